@@ -1,0 +1,43 @@
+#include "platform/qt/QtMessageBoxes.h"
+
+#include <QApplication>
+#include <QMessageBox>
+
+MsgAnswer QtMessageBoxes::Show(const MessageRequest& request) {
+    QMessageBox box;
+    box.setText(request.text);
+    box.setWindowTitle(request.title);
+    box.setIcon(request.icon == MsgIcon::Critical      ? QMessageBox::Critical
+                : request.icon == MsgIcon::Information ? QMessageBox::Information
+                                                       : QMessageBox::NoIcon);
+    QMessageBox::StandardButton first = QMessageBox::Ok;
+    QMessageBox::StandardButton second = QMessageBox::NoButton;
+    switch (request.buttons) {
+    case MsgButtons::OK:
+        break;
+    case MsgButtons::OKCancel:
+        second = QMessageBox::Cancel;
+        break;
+    case MsgButtons::YesNo:
+        first = QMessageBox::Yes;
+        second = QMessageBox::No;
+        break;
+    }
+    box.setStandardButtons(second == QMessageBox::NoButton ? first : (first | second));
+    box.setDefaultButton(request.defaultButton == MsgDefault::Second &&
+                                 second != QMessageBox::NoButton
+                             ? second
+                             : first);
+    // The box belongs to no window; keep it above whatever the operator looks at.
+    box.setWindowFlag(Qt::WindowStaysOnTopHint);
+    switch (box.exec()) {
+    case QMessageBox::Yes:
+        return MsgAnswer::Yes;
+    case QMessageBox::No:
+        return MsgAnswer::No;
+    case QMessageBox::Cancel:
+        return MsgAnswer::Cancel;
+    default:
+        return request.buttons == MsgButtons::YesNo ? MsgAnswer::No : MsgAnswer::OK;
+    }
+}

@@ -1,0 +1,20 @@
+#include "platform/qt/QtServices.h"
+
+#include <QApplication>
+#include <QRandomGenerator>
+
+#include <cstdio>
+#include <unistd.h>
+
+void QtBeeper::Beep() {
+    QApplication::beep();
+}
+
+void ImmediateEnd::EndNow() {
+    std::fflush(nullptr);
+    _exit(0);
+}
+
+double QtRandom::Next() {
+    return QRandomGenerator::global()->generateDouble();
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/MessageBoxes.h"
+
+#include <QList>
+
+#include <functional>
+
+// Records every message box and answers from a script. With the script used up it
+// answers the box's default button.
+class ScriptedMessageBoxes : public MessageBoxes {
+public:
+    MsgAnswer Show(const MessageRequest& request) override;
+
+    QList<MessageRequest> shown;
+    QList<MsgAnswer> answers;
+    // Runs while a box is "open", before it is answered (e.g. to look at the windows).
+    std::function<void(const MessageRequest&)> onShow;
+};
