@@ -13,6 +13,7 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -43,6 +44,29 @@ void ForgetConnection(Display* display) {
     gOwnDisplays.erase(display);
 }
 
+// Virtual keys outside the runs of letters, digits, keypad digits and function keys.
+constexpr std::pair<std::uint8_t, KeySym> kNamedKeysyms[] = {
+    {0x03, XK_Pause},        {0x08, XK_BackSpace},   {0x09, XK_Tab},
+    {0x0A, XK_Linefeed},     {0x0C, XK_Clear},       {0x0D, XK_Return},
+    {0x10, XK_Shift_L},      {0x11, XK_Control_L},   {0x12, XK_Alt_L},
+    {0x13, XK_Pause},        {0x14, XK_Caps_Lock},   {0x1B, XK_Escape},
+    {0x20, XK_space},        {0x21, XK_Prior},       {0x22, XK_Next},
+    {0x23, XK_End},          {0x24, XK_Home},        {0x25, XK_Left},
+    {0x26, XK_Up},           {0x27, XK_Right},       {0x28, XK_Down},
+    {0x29, XK_Select},       {0x2A, XK_Print},       {0x2B, XK_Execute},
+    {0x2C, XK_Print},        {0x2D, XK_Insert},      {0x2E, XK_Delete},
+    {0x2F, XK_Help},         {0x5B, XK_Super_L},     {0x5C, XK_Super_R},
+    {0x5D, XK_Menu},         {0x6A, XK_KP_Multiply}, {0x6B, XK_KP_Add},
+    {0x6C, XK_KP_Separator}, {0x6D, XK_KP_Subtract}, {0x6E, XK_KP_Decimal},
+    {0x6F, XK_KP_Divide},    {0x90, XK_Num_Lock},    {0x91, XK_Scroll_Lock},
+    {0xA0, XK_Shift_L},      {0xA1, XK_Shift_R},     {0xA2, XK_Control_L},
+    {0xA3, XK_Control_R},    {0xA4, XK_Alt_L},       {0xA5, XK_Alt_R},
+    {0xBA, XK_semicolon},    {0xBB, XK_equal},       {0xBC, XK_comma},
+    {0xBD, XK_minus},        {0xBE, XK_period},      {0xBF, XK_slash},
+    {0xC0, XK_grave},        {0xDB, XK_bracketleft}, {0xDC, XK_backslash},
+    {0xDD, XK_bracketright}, {0xDE, XK_apostrophe},  {0xE2, XK_less},
+};
+
 } // namespace
 
 X11Keyboard::X11Keyboard() : ownsDisplay_(true) {}
@@ -62,124 +86,11 @@ unsigned long X11Keyboard::KeysymFor(std::uint8_t vk) {
         return XK_KP_0 + (vk - 0x60);
     if (vk >= 0x70 && vk <= 0x87)
         return XK_F1 + (vk - 0x70);
-    switch (vk) {
-    case 0x03:
-        return XK_Pause;
-    case 0x08:
-        return XK_BackSpace;
-    case 0x09:
-        return XK_Tab;
-    case 0x0A:
-        return XK_Linefeed;
-    case 0x0C:
-        return XK_Clear;
-    case 0x0D:
-        return XK_Return;
-    case 0x10:
-        return XK_Shift_L;
-    case 0x11:
-        return XK_Control_L;
-    case 0x12:
-        return XK_Alt_L;
-    case 0x13:
-        return XK_Pause;
-    case 0x14:
-        return XK_Caps_Lock;
-    case 0x1B:
-        return XK_Escape;
-    case 0x20:
-        return XK_space;
-    case 0x21:
-        return XK_Prior;
-    case 0x22:
-        return XK_Next;
-    case 0x23:
-        return XK_End;
-    case 0x24:
-        return XK_Home;
-    case 0x25:
-        return XK_Left;
-    case 0x26:
-        return XK_Up;
-    case 0x27:
-        return XK_Right;
-    case 0x28:
-        return XK_Down;
-    case 0x29:
-        return XK_Select;
-    case 0x2A:
-        return XK_Print;
-    case 0x2B:
-        return XK_Execute;
-    case 0x2C:
-        return XK_Print;
-    case 0x2D:
-        return XK_Insert;
-    case 0x2E:
-        return XK_Delete;
-    case 0x2F:
-        return XK_Help;
-    case 0x5B:
-        return XK_Super_L;
-    case 0x5C:
-        return XK_Super_R;
-    case 0x5D:
-        return XK_Menu;
-    case 0x6A:
-        return XK_KP_Multiply;
-    case 0x6B:
-        return XK_KP_Add;
-    case 0x6C:
-        return XK_KP_Separator;
-    case 0x6D:
-        return XK_KP_Subtract;
-    case 0x6E:
-        return XK_KP_Decimal;
-    case 0x6F:
-        return XK_KP_Divide;
-    case 0x90:
-        return XK_Num_Lock;
-    case 0x91:
-        return XK_Scroll_Lock;
-    case 0xA0:
-        return XK_Shift_L;
-    case 0xA1:
-        return XK_Shift_R;
-    case 0xA2:
-        return XK_Control_L;
-    case 0xA3:
-        return XK_Control_R;
-    case 0xA4:
-        return XK_Alt_L;
-    case 0xA5:
-        return XK_Alt_R;
-    case 0xBA:
-        return XK_semicolon;
-    case 0xBB:
-        return XK_equal;
-    case 0xBC:
-        return XK_comma;
-    case 0xBD:
-        return XK_minus;
-    case 0xBE:
-        return XK_period;
-    case 0xBF:
-        return XK_slash;
-    case 0xC0:
-        return XK_grave;
-    case 0xDB:
-        return XK_bracketleft;
-    case 0xDC:
-        return XK_backslash;
-    case 0xDD:
-        return XK_bracketright;
-    case 0xDE:
-        return XK_apostrophe;
-    case 0xE2:
-        return XK_less;
-    default:
-        return NoSymbol;
+    for (const auto& [code, keysym] : kNamedKeysyms) {
+        if (code == vk)
+            return keysym;
     }
+    return NoSymbol;
 }
 
 void X11Keyboard::KeyEvent(std::uint8_t vk, std::uint8_t /*scan*/, std::uint32_t flags) {
