@@ -1,6 +1,53 @@
+#include "platform/Services.h"
+#include "platform/posix/PosixProcessLauncher.h"
+#include "platform/qt/QtMessageBoxes.h"
+#include "platform/qt/QtServices.h"
+#include "platform/x11/X11Keyboard.h"
+#include "platform/x11/X11WindowServices.h"
+#include "server/AppState.h"
+#include "server/SetupHandlers.h"
+#include "settings/IniSettingsStore.h"
+#include "settings/ProjectInfo.h"
+#include "ui/Setup.h"
+
 #include <QApplication>
+#include <QFont>
+#include <QIcon>
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    return 0;
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Hostwarden"));
+    QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 8));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/ui/images/icon32.png")));
+
+    QtMessageBoxes messages;
+    IniSettingsStore store;
+    if (const auto error = store.loadError(kAppName)) {
+        messages.Show({SettingsLoadErrorMessage(*error), QStringLiteral("Settings Error"),
+                       MsgButtons::OK, MsgIcon::Critical, MsgDefault::First});
+        return 1;
+    }
+    store.setErrorHandler([&messages](const QString& message) {
+        messages.Show({message, QStringLiteral("Settings Error"), MsgButtons::OK,
+                       MsgIcon::Critical, MsgDefault::First});
+    });
+
+    QtBeeper beeper;
+    ImmediateEnd end;
+    QtRandom random;
+    PosixProcessLauncher launcher;
+    X11WindowServices windows;
+    X11Keyboard keyboard;
+    Services services{store, messages, beeper, end, random, launcher, windows, keyboard};
+
+    AppState state;
+    auto* setup = new Setup(state, services);
+    state.Setup = setup;
+    Setup_Form_Load(*setup);
+    if (state.Setup) {
+        // First run: the Setup window waits for the game directory.
+        setup->move(setup->screen()->availableGeometry().center() - setup->rect().center());
+        setup->show();
+    }
+    return application.exec();
 }

@@ -1,0 +1,42 @@
+#include "options/OptionsHandlers.h"
+
+#include "options/OptionsText.h"
+#include "platform/MessageBoxes.h"
+#include "platform/Services.h"
+#include "ui/Hostwarden.h"
+#include "ui_Hostwarden.h"
+
+QStringList MapList(const Hostwarden& w) {
+    QStringList maps;
+    for (int i = 0; i < w.ui->LSTMaps->count(); ++i)
+        maps << w.ui->LSTMaps->item(i)->text();
+    return maps;
+}
+
+QString OptionsText(const Hostwarden& w) {
+    // The text box keeps its lines apart with LF only; the file has CR LF.
+    QString text = w.ui->TXTSTat->toPlainText();
+    text.replace(QLatin1String("\n"), QLatin1String("\r\n"));
+    return text;
+}
+
+void BuildOptionsText(Hostwarden& w) {
+    QString text = ComposeOptionsText(w.app, MapList(w));
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    w.ui->TXTSTat->clear();
+    w.ui->TXTSTat->insertPlainText(text);
+}
+
+bool Write_File(Hostwarden& w) {
+    QString error;
+    if (WriteOptionsFile(w.app.GameDir, OptionsText(w), &error))
+        return true;
+    w.services.messages.Show({error + QStringLiteral("\r\nThe server was not started."),
+                              QStringLiteral("Options File Error"), MsgButtons::OK,
+                              MsgIcon::Critical, MsgDefault::First});
+    return false;
+}
+
+void UpdateMapCount(Hostwarden& w) {
+    w.ui->MCS->setText(QString::number(w.ui->LSTMaps->count()) + QStringLiteral(" Maps"));
+}

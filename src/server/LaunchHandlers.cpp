@@ -1,0 +1,92 @@
+#include "server/LaunchHandlers.h"
+
+#include "automation/Module2.h"
+#include "options/OptionsHandlers.h"
+#include "platform/Beeper.h"
+#include "platform/MessageBoxes.h"
+#include "platform/ProcessEnd.h"
+#include "platform/Services.h"
+#include "server/StartProgram.h"
+#include "settings/ConfigHandlers.h"
+#include "ui/Hostwarden.h"
+#include "ui_Hostwarden.h"
+
+namespace {
+
+void ConfigError(Hostwarden& w, const QString& text) {
+    w.services.messages.Show(
+        {text, QStringLiteral("Config Error"), MsgButtons::OK, MsgIcon::Critical, MsgDefault::First});
+}
+
+} // namespace
+
+QString ServerCommandLine(const Hostwarden& w) {
+    return w.app.GameDir + w.app.ServerExe + QStringLiteral(" -dedicated ") + w.app.name;
+}
+
+void CMDLaunch_Click(Hostwarden& w) {
+    auto& ui = *w.ui;
+    w.ServerHandle = 0;
+    CloseWindowByTitle(w.services.windows, kServerWindowTitle);
+    // A server started on a stale options file would not run what the operator sees.
+    if (!Write_File(w))
+        return;
+    SaveConfig(w);
+
+    QString commandLine = ServerCommandLine(w);
+    if (ui.CHKGameTracker->isChecked())
+        commandLine += QStringLiteral(" -lanonly");
+    if (ui.CHKPort->isChecked()) {
+        const QString port = ui.TXTPort->text();
+        if (port.isEmpty()) {
+            ConfigError(w, QStringLiteral("You must specify a local port number to use"));
+            return;
+        }
+        if (port.size() < 4) {
+            ConfigError(w, QStringLiteral("Invalid Port"));
+            return;
+        }
+        commandLine += QStringLiteral(" -port ") + port;
+    }
+    if (ui.TXTMod->text() != QLatin1String("None"))
+        commandLine += QStringLiteral(" -mod ") + ui.TXTMod->text();
+
+    std::int32_t fallback = 0;
+    w.ServerHandle = StartProgram(w.services.launcher, commandLine, 1, {}, &fallback);
+    // When the whole-line start failed as well, nothing runs: say so rather than
+    // take the server for launched.
+    if (w.ServerHandle <= 32 && fallback <= 32)
+        w.ServerHandle = 0;
+    if (w.ServerHandle == 0) {
+        w.services.messages.Show({QStringLiteral("RedFaction Dedicated Server Filed to Launch"),
+                                  QStringLiteral("Dedicated Server Error"), MsgButtons::OK,
+                                  MsgIcon::None, MsgDefault::First});
+        return;
+    }
+    w.TMRAdds.start();
+}
+
+void CMDExit_Click(Hostwarden& w) {
+    const QString title = QStringLiteral("Save and exit or just exit");
+    const MsgAnswer go = w.services.messages.Show(
+        {QStringLiteral("This will end the Hostwarden and Red Faction Dedicated Server "
+                        "Sessions, Do you wish to continue?"),
+         title, MsgButtons::YesNo, MsgIcon::Information, MsgDefault::Second});
+    if (go != MsgAnswer::Yes)
+        return;
+    w.services.beeper.Beep();
+    if (w.app.Saved == QLatin1String("no")) {
+        const MsgAnswer save = w.services.messages.Show(
+            {QStringLiteral("Property values have changed?\r\nYes = Save and Exit.\r\nNo = Just "
+                            "Exit"),
+             title, MsgButtons::YesNo, MsgIcon::Information, MsgDefault::Second});
+        if (save == MsgAnswer::Yes)
+            CMDSave_Click(w);
+    }
+    CloseWindowByTitle(w.services.windows, kServerWindowTitle);
+    w.services.end.EndNow();
+}
+
+void CMDMin_Click(Hostwarden& w) {
+    w.showMinimized();
+}

@@ -1,0 +1,80 @@
+#include "server/SetupHandlers.h"
+
+#include "platform/MessageBoxes.h"
+#include "platform/ProcessEnd.h"
+#include "platform/Services.h"
+#include "platform/SettingsStore.h"
+#include "server/AppState.h"
+#include "server/StartupHandlers.h"
+#include "settings/ProjectInfo.h"
+#include "settings/ServerConfig.h"
+#include "ui/Hostwarden.h"
+#include "ui/Setup.h"
+#include "ui_Setup.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+namespace {
+
+void CentreOnScreen(QWidget* window) {
+    if (QScreen* screen = QGuiApplication::primaryScreen())
+        window->move(screen->availableGeometry().center() - window->rect().center());
+}
+
+} // namespace
+
+void Setup_Form_Load(Setup& s) {
+    AppState& app = s.app;
+    app.AppName = kAppName;
+    app.SetupDone = s.services.store.GetSetting(app.AppName, "Startup", "HasRunSetup");
+    s.ui->TXTRFLocate->setText(s.services.store.GetSetting(app.AppName, "Startup", "RFlocation"));
+    TXTRFLocate_Change(s);
+    if (!s.ui->TXTRFLocate->text().isEmpty())
+        s.ui->CMDOK->setEnabled(true);
+
+    if (app.SetupDone.isEmpty()) {
+        const MsgAnswer answer = s.services.messages.Show(
+            {QStringLiteral(
+                 "Warning, it is highly recommended that you make a backup of "
+                 "dedicated_server.txt located in your redfaction game directory. This "
+                 "application will modify this file. Ckick Cancel to exit setup or click OK "
+                 "to continue"),
+             QStringLiteral("Warning"), MsgButtons::OKCancel, MsgIcon::None, MsgDefault::First});
+        if (answer != MsgAnswer::OK)
+            s.services.end.EndNow();
+        return;
+    }
+    Setup_CMDOK_Click(s);
+}
+
+void TXTRFLocate_Change(Setup& s) {
+    if (s.ui->TXTRFLocate->text().isEmpty())
+        s.ui->CMDOK->setEnabled(false);
+}
+
+void Setup_CMDOK_Click(Setup& s) {
+    AppState& app = s.app;
+    SettingsStore& store = s.services.store;
+    app.GameDir = s.ui->TXTRFLocate->text();
+    store.SaveSetting(app.AppName, "Startup", "HasRunSetup", "1");
+    store.SaveSetting(app.AppName, "Startup", "RFLocation", app.GameDir);
+    if (app.SetupDone.isEmpty())
+        CreateDefaultConfig(store, app.AppName);
+
+    if (!app.MainWindow) {
+        app.MainWindow = new Hostwarden(app, s.services);
+        Hostwarden_Form_Load(*app.MainWindow);
+    }
+    CentreOnScreen(app.MainWindow);
+    app.MainWindow->show();
+
+    s.hide();
+    if (app.Setup == &s)
+        app.Setup = nullptr;
+    s.deleteLater();
+}
+
+void Setup_CMDCancel_Click(Setup& s) {
+    s.services.end.EndNow();
+}

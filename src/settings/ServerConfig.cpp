@@ -1,0 +1,108 @@
+#include "settings/ServerConfig.h"
+
+#include "platform/Beeper.h"
+#include "platform/MessageBoxes.h"
+#include "platform/ProcessEnd.h"
+#include "platform/Services.h"
+#include "platform/SettingsStore.h"
+#include "settings/ProjectInfo.h"
+
+QString DefaultMessage0() {
+    return QStringLiteral("This Dedicated Server is running with Hostwarden 2.0 by Velloquin");
+}
+
+QString DefaultMessage1() {
+    return QStringLiteral("Visit ") + kProjectAddress + QStringLiteral(" for updates.");
+}
+
+void CreateDefaultConfig(SettingsStore& store, const QString& app) {
+    const QString section = QStringLiteral("Default");
+    const auto put = [&](const QString& key, const QString& value) {
+        store.SaveSetting(app, section, key, value);
+    };
+    put("gametype", "CTF");
+    put("servname", "$Me's Dedicated CTF Running Hostwarden 2.0");
+    put("name", "Default");
+    put("maxplayers", "16");
+    put("password", "");
+    put("rconpass", "");
+    put("maxtime", "30");
+    put("maxcaps", "5");
+    put("maxkills", "50");
+    put("maxgeo", "128");
+    put("teamdamage", "false");
+    put("forcespawn", "false");
+    put("balance", "true");
+    put("weaponstay", "false");
+    put("falldamage", "true");
+    put("default", "1");
+    put("Text0", DefaultMessage0());
+    put("Text1", DefaultMessage1());
+    put("Text2", "");
+    put("Text3", "");
+    put("MessageOn", "1");
+    put("MapCount", "0");
+    store.SaveSetting(app, "ConfName", "ConfCount", "1");
+    store.SaveSetting(app, "ConfName", "Conf1", "DEFAULT");
+}
+
+void CreateNewConfig(SettingsStore& store, AppState& state) {
+    const QString& app = state.AppName;
+    const QString& section = state.CurrentConf;
+    if (store.GetSetting(app, section, "default") == "1")
+        store.DeleteSection(app, section);
+    const auto put = [&](const QString& key, const QString& value) {
+        store.SaveSetting(app, section, key, value);
+    };
+    put("gametype", "CTF");
+    put("servname", "$Me's Dedicated CTF running Hostwarden 2.0");
+    put("name", section);
+    put("maxplayers", "16");
+    put("password", "");
+    put("rconpass", "");
+    put("maxtime", "30");
+    put("maxcaps", "5");
+    put("maxkills", "50");
+    put("maxgeo", "128");
+    put("teamdamage", "false");
+    put("forcespawn", "false");
+    put("balance", "true");
+    put("weaponstay", "false");
+    put("falldamage", "true");
+    put("mapcount", "0");
+    put("default", "1");
+    put("Mod", "");
+    put("Text0", DefaultMessage0());
+    put("Text1", DefaultMessage1());
+    put("Text2", "");
+    put("Text3", "");
+    put("MessageOn", "1");
+    state.Saved = "yes";
+}
+
+void CMDReset_Click(Services& services, const AppState& state) {
+    const MsgAnswer answer = services.messages.Show(
+        {QStringLiteral("All configurations and settings for this program will be deleted.\r\n"
+                        "Reset Registry entries for this program?"),
+         QStringLiteral("Reset Application Registry Entries?"), MsgButtons::YesNo,
+         MsgIcon::Critical, MsgDefault::Second});
+    if (answer != MsgAnswer::Yes)
+        return;
+    services.beeper.Beep();
+    services.store.DeleteAll(state.AppName);
+    services.end.EndNow();
+}
+
+std::optional<int> ReadNumber(const QString& text) {
+    bool ok = false;
+    const int value = text.trimmed().toInt(&ok);
+    return ok ? std::optional<int>(value) : std::nullopt;
+}
+
+std::optional<bool> ReadBoolean(const QString& text) {
+    if (text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0)
+        return true;
+    if (text.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
+        return false;
+    return std::nullopt;
+}

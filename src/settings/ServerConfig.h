@@ -1,0 +1,43 @@
+#pragma once
+
+#include "server/AppState.h"
+
+#include <QString>
+
+#include <optional>
+
+class SettingsStore;
+struct Services;
+
+// Writes the first-run configuration into section "Default" and makes it the only
+// entry of the configuration list.
+void CreateDefaultConfig(SettingsStore& store, const QString& app);
+
+// Writes the section named CurrentConf with the new-configuration defaults, replacing
+// a stored configuration of that name, and marks the configuration saved.
+void CreateNewConfig(SettingsStore& store, AppState& state);
+
+// The About window's "Fix Reg": asks, then deletes every setting and ends the program.
+void CMDReset_Click(Services& services, const AppState& state);
+
+// Reading rules for stored fields. A number is decimal text; a boolean is "true" or
+// "false" in any letter case. Anything else reads as nothing.
+std::optional<int> ReadNumber(const QString& text);
+std::optional<bool> ReadBoolean(const QString& text);
+
+// The new-configuration defaults, used where a stored field cannot be read.
+struct ConfigDefaults {
+    static constexpr int maxplayers = 16;
+    static constexpr int maxtime = 30;
+    static constexpr int maxcaps = 5;
+    static constexpr int maxkills = 50;
+    static constexpr int maxgeo = 128;
+    static constexpr bool teamdamage = false;
+    static constexpr bool forcespawn = false;
+    static constexpr bool balance = true;
+    static constexpr bool weaponstay = false;
+    static constexpr bool falldamage = true;
+};
+
+QString DefaultMessage0();
+QString DefaultMessage1();

@@ -1,0 +1,99 @@
+#include "ui/Hostwarden.h"
+
+#include "options/OptionsHandlers.h"
+#include "server/StartupHandlers.h"
+#include "settings/ConfigHandlers.h"
+#include "ui/ConfigFieldHandlers.h"
+#include "ui_Hostwarden.h"
+
+#include <QButtonGroup>
+#include <QCloseEvent>
+#include <QKeyEvent>
+
+Hostwarden::Hostwarden(AppState& state, Services& services, QWidget* parent)
+    : QWidget(parent), app(state), services(services), ui(std::make_unique<Ui::Hostwarden>()) {
+    ui->setupUi(this);
+    setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+    setFixedSize(791, 504);
+    TXTMess = {ui->TXTMess_0, ui->TXTMess_1, ui->TXTMess_2, ui->TXTMess_3};
+
+    gameType = new QButtonGroup(this);
+    gameType->setExclusive(true);
+    for (auto* option : {ui->OPTCTF, ui->OPTDM, ui->OPTTDM})
+        gameType->addButton(option);
+
+    Timer1.setInterval(1000);
+    TMRAdds.setInterval(1000);
+    TMRSend.setInterval(110);
+
+    Connect();
+}
+
+Hostwarden::~Hostwarden() = default;
+
+void Hostwarden::Connect() {
+    auto* w = this;
+    connect(ui->OPTCTF, &QAbstractButton::toggled, this, [w] { OPTCTF_Click(*w); });
+    connect(ui->OPTDM, &QAbstractButton::toggled, this, [w] { OPTDM_Click(*w); });
+    connect(ui->OPTTDM, &QAbstractButton::toggled, this, [w] { OPTTDM_Click(*w); });
+
+    const auto onPick = [this](QComboBox* list, void (*handler)(Hostwarden&)) {
+        connect(list, &QComboBox::currentIndexChanged, this, [this, handler](int index) {
+            if (index >= 0)
+                handler(*this);
+        });
+    };
+    onPick(ui->MaxPlayers, MaxPlayers_Click);
+    onPick(ui->MaxTime, MaxTime_Click);
+    onPick(ui->MaxKills, MaxKills_Click);
+    onPick(ui->MaxCaps, MaxCaps_Click);
+    onPick(ui->MaxGeo, MaxGeo_Click);
+    onPick(ui->TeamDamage, TeamDamage_Click);
+    onPick(ui->FallDamage, FallDamage_Click);
+    onPick(ui->WeaponStay, WeaponStay_Click);
+    onPick(ui->ForceSpawn, ForceSpawn_Click);
+    onPick(ui->Balance, Balance_Click);
+
+    connect(ui->TXTServName, &QLineEdit::textChanged, this, [w] { TXTServName_Change(*w); });
+    connect(ui->TXTPassword, &QLineEdit::textChanged, this, [w] { TXTPassword_Change(*w); });
+    connect(ui->TXTRconPass, &QLineEdit::textChanged, this, [w] { TXTRconPass_Change(*w); });
+    connect(ui->TXTSTat, &QPlainTextEdit::textChanged, this, [w] { TXTSTat_Change(*w); });
+    connect(ui->TXTConfName, &QLineEdit::textChanged, this, [w] { TXTConfName_Change(*w); });
+    connect(ui->TXTMod, &QLineEdit::textChanged, this, [w] { TXTMod_Change(*w); });
+    for (QLineEdit* box : TXTMess)
+        connect(box, &QLineEdit::textChanged, this, [w] { TXTMess_Change(*w); });
+
+    connect(ui->LSTConfig, &QComboBox::currentIndexChanged, this, [w](int index) {
+        if (index >= 0)
+            LSTConfig_Click(*w);
+    });
+    connect(ui->CMDLoad, &QAbstractButton::clicked, this, [w] { CMDLoad_Click(*w); });
+    connect(ui->CMDSave, &QAbstractButton::clicked, this, [w] { CMDSave_Click(*w); });
+
+    connect(ui->CHKGameTracker, &QAbstractButton::toggled, this,
+            [w] { CHKGameTracker_Click(*w); });
+    connect(ui->CHKPort, &QAbstractButton::toggled, this, [w] { CHKPort_Click(*w); });
+    connect(ui->CHKServRec, &QAbstractButton::toggled, this, [w] { CHKServRec_Click(*w); });
+    connect(ui->TXTPort, &QLineEdit::textChanged, this, [w] { TXTPort_Change(*w); });
+
+    ui->TXTConfName->installEventFilter(this);
+    ui->Image1->installEventFilter(this);
+}
+
+bool Hostwarden::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == ui->TXTConfName && event->type() == QEvent::KeyPress) {
+        const QString typed = static_cast<QKeyEvent*>(event)->text();
+        if (typed.size() == 1 && TXTConfName_KeyPress(*this, typed[0].unicode()) == 0)
+            return true;
+    }
+    if (watched == ui->Image1 && event->type() == QEvent::MouseButtonRelease) {
+        Image1_Click(*this);
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void Hostwarden::closeEvent(QCloseEvent* event) {
+    // The window has no close box; "Exit" is the way out.
+    event->ignore();
+}

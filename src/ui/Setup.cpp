@@ -1,0 +1,25 @@
+#include "ui/Setup.h"
+
+#include "server/SetupHandlers.h"
+#include "ui/DialogProtocol.h"
+#include "ui_Setup.h"
+
+#include <QCloseEvent>
+
+Setup::Setup(AppState& state, Services& services, QWidget* parent)
+    : QWidget(parent), app(state), services(services), ui(std::make_unique<Ui::Setup>()) {
+    ui->setupUi(this);
+    PrepareDialog(this);
+    auto* w = this;
+    connect(ui->TXTRFLocate, &QLineEdit::textChanged, this, [w] { TXTRFLocate_Change(*w); });
+    connect(ui->CMDOK, &QAbstractButton::clicked, this, [w] { Setup_CMDOK_Click(*w); });
+    connect(ui->CMDCancel, &QAbstractButton::clicked, this, [w] { Setup_CMDCancel_Click(*w); });
+}
+
+Setup::~Setup() = default;
+
+void Setup::closeEvent(QCloseEvent* event) {
+    // Closed only through its own buttons.
+    if (isVisible())
+        event->ignore();
+}

@@ -1,0 +1,228 @@
+#include "MainWindow.h"
+
+#include "server/LaunchHandlers.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Call = RecordingLauncher::Call;
+
+struct Launch : MainWindow {
+    Launch(const QString& gameDir = "C:\\Games\\RF\\") {
+        SeedFirstRun();
+        Load();
+        app.GameDir = gameDir;
+    }
+};
+
+} // namespace
+
+TEST(Launch, CommandLineOfTheExampleOnWindowsAndLinuxPaths) {
+    const struct {
+        const char* gameDir;
+        const char* program;
+        const char* workingDirectory;
+    } rows[] = {
+        {"C:\\Games\\RF\\", "C:\\Games\\RF\\RF.EXE", "C:\\Games\\RF"},
+        {"/games/rf/", "/games/rf/RF.EXE", "/games/rf"},
+    };
+    QTemporaryDir dir;
+    for (const auto& row : rows) {
+        Launch m(row.gameDir);
+        // The options file goes to a real folder; the command line keeps the game path.
+        QDir::setCurrent(dir.path());
+        m.ui().TXTConfName->setText("Default");
+        m.ui().CHKGameTracker->setChecked(true);
+        m.ui().CHKPort->setChecked(true);
+        m.ui().TXTPort->setText("1234");
+        CMDLaunch_Click(*m.w);
+        ASSERT_EQ(m.t.launcher.calls.size(), 1) << row.gameDir;
+        const Call& call = m.t.launcher.calls[0];
+        EXPECT_EQ(call.program, row.program);
+        EXPECT_EQ(call.parameters, "-dedicated DEFAULT -lanonly -port 1234");
+        EXPECT_EQ(call.workingDirectory, row.workingDirectory);
+        EXPECT_EQ(call.windowStyle, 1);
+        EXPECT_EQ(m.w->ServerHandle, 42);
+        EXPECT_TRUE(m.w->TMRAdds.isActive());
+    }
+}
+
+TEST(Launch, SwitchesFollowTheControls) {
+    const struct {
+        const char* what;
+        bool port;
+        const char* portText;
+        const char* mod;
+        const char* name;
+        const char* parameters; // null: refused with the message below
+        const char* message;
+    } rows[] = {
+        {"port unchecked ignores the field", false, "12", "None", "A", "-dedicated A", nullptr},
+        {"three digits", true, "123", "None", "A", nullptr, "Invalid Port"},
+        {"empty port", true, "", "None", "A", nullptr,
+         "You must specify a local port number to use"},
+        {"four digits", true, "7755", "None", "A", "-dedicated A -port 7755", nullptr},
+        {"a mod", false, "", "Rocketball", "A", "-dedicated A -mod Rocketball", nullptr},
+        {"an empty mod still adds the switch", false, "", "", "A", "-dedicated A -mod ", nullptr},
+        {"mod is compared exactly", false, "", "none", "A", "-dedicated A -mod none", nullptr},
+        {"name with a blank, unquoted", false, "", "None", " My Server", "-dedicated  My Server",
+         nullptr},
+    };
+    QTemporaryDir dir;
+    for (const auto& row : rows) {
+        Launch m(dir.path() + "/");
+        m.ui().CHKPort->setChecked(row.port);
+        m.ui().TXTPort->setEnabled(true);
+        m.ui().TXTPort->setText(row.portText);
+        m.ui().TXTMod->setText(row.mod);
+        m.ui().TXTConfName->setText(row.name);
+        m.w->ServerHandle = 7;
+        CMDLaunch_Click(*m.w);
+        SCOPED_TRACE(row.what);
+        if (row.parameters) {
+            ASSERT_EQ(m.t.launcher.calls.size(), 1);
+            EXPECT_EQ(m.t.launcher.calls[0].parameters, row.parameters);
+            EXPECT_TRUE(m.t.messages.shown.isEmpty());
+            continue;
+        }
+        EXPECT_TRUE(m.t.launcher.calls.isEmpty());
+        ASSERT_EQ(m.t.messages.shown.size(), 1);
+        EXPECT_EQ(m.t.messages.shown[0], (MessageRequest{row.message, "Config Error",
+                                                          MsgButtons::OK, MsgIcon::Critical,
+                                                          MsgDefault::First}));
+        // A refused launch has still closed the old console, written the file and
+        // stored the configuration.
+        EXPECT_EQ(m.w->ServerHandle, 0);
+        EXPECT_TRUE(QFile::exists(dir.path() + "/dedicated_server.txt"));
+        EXPECT_EQ(m.t.Get("DEFAULT", "name"), "DEFAULT");
+        EXPECT_FALSE(m.w->TMRAdds.isActive());
+    }
+}
+
+TEST(Launch, WritesTheOptionsBoxAsItStandsAndStoresTheConfiguration) {
+    QTemporaryDir dir;
+    Launch m(dir.path() + "/");
+    m.ui().TXTSTat->appendPlainText("$Hand Edit: 1");
+    m.ui().TXTPassword->setText("pw"); // rebuilds: the hand edit is gone
+    m.ui().TXTSTat->appendPlainText("$Kept: 1");
+    const QString shown = m.Text();
+    CMDLaunch_Click(*m.w);
+    QFile file(dir.path() + "/dedicated_server.txt");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), shown.toLatin1());
+    EXPECT_TRUE(shown.contains("$Kept: 1\r\n") || shown.endsWith("$Kept: 1"));
+    EXPECT_FALSE(shown.contains("$Hand Edit"));
+    EXPECT_EQ(m.t.Get("DEFAULT", "password"), "pw");
+    EXPECT_EQ(m.app.Saved, "yes");
+}
+
+TEST(Launch, AsksTheOldConsoleToClose) {
+    QTemporaryDir dir;
+    Launch m(dir.path() + "/");
+    const WindowHandle old = m.t.windows.Add("Red Faction Dedicated Server");
+    CMDLaunch_Click(*m.w);
+    EXPECT_EQ(m.t.windows.posts,
+              (QList<FakeWindowServices::Post>{{old, WM_CANCELMODE}, {old, WM_CLOSE}}));
+}
+
+TEST(Launch, FailedStartsAreReported) {
+    const struct {
+        const char* what;
+        QList<std::int32_t> shell, commandLine;
+        std::int32_t handle;
+        bool reported;
+    } rows[] = {
+        {"no resources", {0}, {42}, 0, true},
+        {"small code, whole line starts", {2}, {42}, 2, false},
+        {"small code, whole line fails too", {2}, {2}, 0, true},
+    };
+    QTemporaryDir dir;
+    for (const auto& row : rows) {
+        Launch m(dir.path() + "/");
+        m.t.launcher.shellResults = row.shell;
+        m.t.launcher.commandLineResults = row.commandLine;
+        CMDLaunch_Click(*m.w);
+        SCOPED_TRACE(row.what);
+        EXPECT_EQ(m.w->ServerHandle, row.handle);
+        EXPECT_EQ(m.w->TMRAdds.isActive(), !row.reported);
+        ASSERT_EQ(m.t.messages.shown.size(), row.reported ? 1 : 0);
+        if (row.reported)
+            EXPECT_EQ(m.t.messages.shown[0],
+                      (MessageRequest{"RedFaction Dedicated Server Filed to Launch",
+                                      "Dedicated Server Error", MsgButtons::OK, MsgIcon::None,
+                                      MsgDefault::First}));
+    }
+}
+
+TEST(Launch, UnwritableOptionsFileStopsTheLaunch) {
+    Launch m("/nonexistent/hostwarden/");
+    CMDLaunch_Click(*m.w);
+    EXPECT_TRUE(m.t.launcher.calls.isEmpty());
+    ASSERT_EQ(m.t.messages.shown.size(), 1);
+    EXPECT_EQ(m.t.messages.shown[0].title, "Options File Error");
+    EXPECT_EQ(m.w->ServerHandle, 0);
+}
+
+TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {
+    const MessageRequest first{"This will end the Hostwarden and Red Faction Dedicated Server "
+                               "Sessions, Do you wish to continue?",
+                               "Save and exit or just exit", MsgButtons::YesNo,
+                               MsgIcon::Information, MsgDefault::Second};
+    const MessageRequest second{"Property values have changed?\r\nYes = Save and Exit.\r\nNo = "
+                                "Just Exit",
+                                "Save and exit or just exit", MsgButtons::YesNo,
+                                MsgIcon::Information, MsgDefault::Second};
+    const struct {
+        const char* what;
+        QString saved;
+        QList<MsgAnswer> answers;
+        int boxes;
+        bool ends;
+        bool stored;
+    } rows[] = {
+        {"No leaves everything running", "no", {MsgAnswer::No}, 1, false, false},
+        {"saved: one question", "yes", {MsgAnswer::Yes}, 1, true, false},
+        {"empty flag counts as saved", "", {MsgAnswer::Yes}, 1, true, false},
+        {"changed, just exit", "no", {MsgAnswer::Yes, MsgAnswer::No}, 2, true, false},
+        {"changed, save and exit",
+         "no",
+         {MsgAnswer::Yes, MsgAnswer::Yes, MsgAnswer::Yes, MsgAnswer::OK},
+         4,
+         true,
+         true},
+    };
+    for (const auto& row : rows) {
+        Launch m;
+        const WindowHandle console = m.t.windows.Add("Red Faction Dedicated Server");
+        m.ui().TXTPassword->setText("changed");
+        m.app.Saved = row.saved;
+        m.t.messages.answers = row.answers;
+        CMDExit_Click(*m.w);
+        SCOPED_TRACE(row.what);
+        ASSERT_EQ(m.t.messages.shown.size(), row.boxes);
+        EXPECT_EQ(m.t.messages.shown[0], first);
+        if (row.boxes > 1)
+            EXPECT_EQ(m.t.messages.shown[1], second);
+        EXPECT_EQ(m.t.end.ended, row.ends ? 1 : 0);
+        EXPECT_EQ(m.t.beeper.beeps, row.ends ? (row.stored ? 2 : 1) : 0);
+        EXPECT_EQ(m.t.windows.posts.size(), row.ends ? 2 : 0);
+        if (row.ends)
+            EXPECT_EQ(m.t.windows.posts.last(), (FakeWindowServices::Post{console, WM_CLOSE}));
+        EXPECT_EQ(m.t.Get("DEFAULT", "password"), row.stored ? "changed" : "");
+    }
+}
+
+TEST(Exit, WithoutAServerWindowEndsSilently) {
+    Launch m;
+    m.app.Saved = "yes";
+    m.t.messages.answers = {MsgAnswer::Yes};
+    CMDExit_Click(*m.w);
+    EXPECT_EQ(m.t.end.ended, 1);
+    EXPECT_EQ(m.t.messages.shown.size(), 1);
+    EXPECT_TRUE(m.t.windows.posts.isEmpty());
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "TestServices.h"
+
+#include "options/OptionsHandlers.h"
+#include "server/StartupHandlers.h"
+#include "settings/ServerConfig.h"
+#include "ui/Hostwarden.h"
+#include "ui_Hostwarden.h"
+
+#include <QListWidget>
+
+#include <memory>
+
+// A main window over doubles, loaded the way start-up loads it.
+struct MainWindow {
+    TestServices t;
+    AppState app;
+    std::unique_ptr<Hostwarden> w;
+
+    // Seeds nothing: call Seed* first, then Load().
+    MainWindow() { app.AppName = kAppName; }
+
+    void SeedFirstRun() {
+        CreateDefaultConfig(t.store, kAppName);
+        t.Put("Startup", "HasRunSetup", "1");
+    }
+
+    Hostwarden& Load() {
+        w = std::make_unique<Hostwarden>(app, t.services);
+        Hostwarden_Form_Load(*w);
+        return *w;
+    }
+
+    Ui::Hostwarden& ui() { return *w->ui; }
+    QString Text() const { return OptionsText(*w); }
+    QStringList Maps() const { return MapList(*w); }
+    void AddMaps(const QStringList& maps) { w->ui->LSTMaps->addItems(maps); }
+};
