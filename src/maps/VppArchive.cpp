@@ -5,8 +5,6 @@
 #include <QFile>
 #include <QSaveFile>
 
-#include <algorithm>
-
 namespace {
 
 constexpr int kNameSize = 60;
@@ -69,9 +67,9 @@ VppDirectory ReadVppDirectory(const QString& archivePath) {
 }
 
 QByteArray BuildVppArchive(const QList<VppEntry>& entries) {
-    // At least one directory block, so even an empty archive has its closing entry.
-    const qsizetype directorySize =
-        std::max<qsizetype>(kVppBlock, RoundUp(entries.size() * kVppEntrySize));
+    // The directory always ends with an all-zero entry that closes it for readers that
+    // stop there, so a full block gets one more (also the only block of an empty archive).
+    const qsizetype directorySize = RoundUp((entries.size() + 1) * kVppEntrySize);
     qsizetype total = kVppBlock + directorySize;
     for (const VppEntry& entry : entries)
         total += RoundUp(entry.data.size());

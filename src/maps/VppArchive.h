@@ -7,7 +7,8 @@
 
 // The game's .vpp archive, version 1: a 2048-byte header block (signature, version,
 // file count, archive size as little-endian 32-bit words), the directory from byte
-// 2048 (64-byte entries: NUL-padded 60-byte name, 32-bit size; 32 entries a block),
+// 2048 (64-byte entries: NUL-padded 60-byte name, 32-bit size; 32 entries a block,
+// ended by an all-zero entry),
 // then each file's data from a block boundary.
 
 // The directory as far as the reader got: names in stored order, blanks trimmed.
