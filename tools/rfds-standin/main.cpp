@@ -1,0 +1,59 @@
+// A stand-in for the Red Faction dedicated server, for running Hostwarden where the
+// game is not installed.
+#include "StandinWindow.h"
+
+#include <QApplication>
+#include <QFile>
+
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr const char* kUsage =
+    "Usage: RF.EXE -dedicated <configuration> [-lanonly] [-port <port>] [-mod <mod>]\n"
+    "\n"
+    "Stands in for the Red Faction dedicated server. It opens a console window titled\n"
+    "\"Red Faction Dedicated Server\" whose input line takes typed commands; Enter\n"
+    "submits a line and \"say <text>\" shows <text> as a chat line.\n"
+    "\n"
+    "In its working directory (the game directory) it\n"
+    "  writes commandline.txt   its arguments, one a line\n"
+    "  reads  dedicated_server.txt and shows what it understood\n"
+    "  appends transcript.txt   every submitted console line\n"
+    "  writes keys.log          \"<ms since start> <character code>\" per typed character\n"
+    "  appends events.txt       \"started pid N\" and \"closed pid N\"\n";
+
+void RecordCommandLine(int argc, char** argv) {
+    QFile file(QStringLiteral("commandline.txt"));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        std::fprintf(stderr, "Cannot write commandline.txt: %s\n", qPrintable(file.errorString()));
+        return;
+    }
+    for (int i = 0; i < argc; ++i) {
+        file.write(argv[i]);
+        file.write("\n");
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
+            std::fputs(kUsage, stdout);
+            return 0;
+        }
+    }
+    // Before QApplication, which takes away the arguments it knows.
+    RecordCommandLine(argc, argv);
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+
+    QApplication app(argc, argv);
+    StandinWindow window(QDir::current(), arguments);
+    window.show();
+    window.activateWindow();
+    return app.exec();
+}
