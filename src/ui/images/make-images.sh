@@ -9,14 +9,16 @@ BOLD=/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf
 # -strip and a fixed date keep the files byte-identical from one run to the next.
 OUT="-strip -define png:exclude-chunks=date,time"
 
-# Banner, 640 x 200 true colour: dark steel gradient, a thin red rule, title and tagline.
-convert -size 640x200 gradient:'#1b2430'-'#05070a' \
-    -fill '#b3261e' -draw 'rectangle 0,150 640,153' \
-    -fill '#2e3b4e' -draw 'polygon 540,20 610,20 610,80 575,115 540,80' \
-    -fill '#b3261e' -draw 'polygon 550,30 600,30 600,76 575,101 550,76' \
-    -font "$BOLD" -pointsize 64 -fill '#e8ecf1' -annotate +28+110 'Hostwarden' \
-    -font "$FONT" -pointsize 24 -fill '#9fb0c4' -annotate +32+186 'Red Faction dedicated server control' \
-    -type TrueColor $OUT PNG24:banner.png
+# Banner, 640 x 200 true colour. The window shows it squeezed into a 408 x 64 box, so it is
+# drawn undistorted at that box's shape (1280 x 200) and then squeezed to 640 x 200 here: the
+# display's stretch undoes the squeeze.
+convert -size 1280x200 gradient:'#1b2430'-'#05070a' \
+    -fill '#b3261e' -draw 'rectangle 0,142 1280,147' \
+    -fill '#2e3b4e' -draw 'polygon 1150,14 1240,14 1240,86 1195,132 1150,86' \
+    -fill '#b3261e' -draw 'polygon 1160,24 1230,24 1230,81 1195,117 1160,81' \
+    -font "$BOLD" -pointsize 96 -fill '#e8ecf1' -annotate +36+118 'Hostwarden' \
+    -font "$FONT" -pointsize 38 -fill '#9fb0c4' -annotate +40+188 'Red Faction dedicated server control' \
+    -resize '640x200!' -type TrueColor $OUT PNG24:banner.png
 
 # Icon: a red shield with a light rim and a light "H", reduced to 16 colours; drawn without
 # antialiasing so the small sizes stay crisp.
