@@ -44,17 +44,17 @@ Loaded Shown(MainWindow& m) {
 } // namespace
 
 TEST(LoadConfig, StoredValuesWinWhateverGameTypeWasSelected) {
-    for (const QString& before : {"CTF", "DM"}) {
+    for (const char* before : {"CTF", "DM"}) {
         MainWindow m;
         m.SeedFirstRun();
         SeedClan(m.t, "CTF", {"ctf01", "ctf05", "ctf01"});
         m.Load();
-        if (before == "DM")
+        if (QString(before) == "DM")
             m.ui().OPTDM->setChecked(true);
         m.ui().LSTConfig->setCurrentIndex(1);
         CMDLoad_Click(*m.w);
         const Loaded l = Shown(m);
-        SCOPED_TRACE(before.toStdString());
+        SCOPED_TRACE(before);
         EXPECT_EQ(l.gametype, "CTF");
         EXPECT_EQ(l.servname, "Clan Night");
         EXPECT_EQ(l.maxplayers, "8");

@@ -20,7 +20,7 @@ const MessageRequest kWarning{
     "Warning", MsgButtons::OKCancel, MsgIcon::None, MsgDefault::First};
 
 // Runs the program's entry over doubles: the Setup window loads first.
-struct Run {
+struct SetupRun {
     TestServices t;
     AppState app;
     Setup* setup = nullptr;
@@ -30,7 +30,7 @@ struct Run {
         app.Setup = setup;
         Setup_Form_Load(*setup);
     }
-    ~Run() {
+    ~SetupRun() {
         delete app.MainWindow;
         delete app.Setup;
     }
@@ -44,7 +44,7 @@ TEST(Setup, LaterRunGoesStraightToTheMainWindow) {
         bool storeLocation;
     } rows[] = {{"with a stored directory", true}, {"without a stored directory", false}};
     for (const auto& row : rows) {
-        Run r;
+        SetupRun r;
         CreateDefaultConfig(r.t.store, kAppName);
         r.t.Put("Startup", "HasRunSetup", "1");
         if (row.storeLocation)
@@ -66,7 +66,7 @@ TEST(Setup, LaterRunGoesStraightToTheMainWindow) {
 }
 
 TEST(Setup, FirstRunWarnsShowsTheStoredDirectoryAndCreatesTheDefaults) {
-    Run r;
+    SetupRun r;
     r.t.Put("Startup", "RFLocation", "/games/rf/");
     r.t.Put("Default", "maxplayers", "4");
     r.t.Put("ConfName", "ConfCount", "3");
@@ -92,7 +92,7 @@ TEST(Setup, FirstRunWarnsShowsTheStoredDirectoryAndCreatesTheDefaults) {
 }
 
 TEST(Setup, EmptyStoreStartsWithDefaultsOnceADirectoryIsChosen) {
-    Run r;
+    SetupRun r;
     r.Start();
     ASSERT_EQ(r.t.messages.shown.size(), 1);
     EXPECT_FALSE(r.setup->ui->CMDOK->isEnabled());
@@ -117,7 +117,7 @@ TEST(Setup, EmptyStoreStartsWithDefaultsOnceADirectoryIsChosen) {
 
 TEST(Setup, CancelEndsTheProgramAndStoresNothing) {
     {
-        Run r;
+        SetupRun r;
         r.t.messages.answers = {MsgAnswer::Cancel};
         r.Start();
         EXPECT_EQ(r.t.end.ended, 1);
@@ -125,7 +125,7 @@ TEST(Setup, CancelEndsTheProgramAndStoresNothing) {
         EXPECT_TRUE(r.t.store.IsEmpty(kAppName));
     }
     {
-        Run r;
+        SetupRun r;
         r.Start();
         QTest::mouseClick(r.setup->ui->CMDCancel, Qt::LeftButton);
         EXPECT_EQ(r.t.end.ended, 1);
@@ -135,7 +135,7 @@ TEST(Setup, CancelEndsTheProgramAndStoresNothing) {
 
 TEST(Setup, AfterAResetTheNextStartIsAFirstRunWithOnlyDefault) {
     {
-        Run r;
+        SetupRun r;
         CreateDefaultConfig(r.t.store, kAppName);
         r.t.Put("ConfName", "ConfCount", "2");
         r.t.Put("ConfName", "Conf2", "CLAN");
@@ -146,7 +146,7 @@ TEST(Setup, AfterAResetTheNextStartIsAFirstRunWithOnlyDefault) {
         ASSERT_EQ(r.t.end.ended, 1);
         EXPECT_TRUE(r.t.store.IsEmpty(kAppName));
     }
-    Run next;
+    SetupRun next;
     next.Start();
     ASSERT_EQ(next.t.messages.shown.size(), 1);
     EXPECT_EQ(next.t.messages.shown[0], kWarning);

@@ -49,13 +49,17 @@ CommandSplit SplitCommandLine(QString& commandLine, const QString& currentDir) {
 }
 
 std::int32_t StartProgram(ProcessLauncher& launcher, QString& commandLine, std::int32_t windowStyle,
-                          std::optional<QString> workingDirectory) {
+                          std::optional<QString> workingDirectory,
+                          std::int32_t* fallbackResult) {
     CommandSplit split = SplitCommandLine(commandLine, launcher.CurrentDirectory());
     if (workingDirectory)
         split.workingDirectory = *workingDirectory;
     const std::int32_t result =
         launcher.ShellExecute(split.program, split.parameters, split.workingDirectory, windowStyle);
-    if (result < 32)
-        launcher.StartCommandLine(commandLine, windowStyle);
+    if (result < 32) {
+        const std::int32_t fallback = launcher.StartCommandLine(commandLine, windowStyle);
+        if (fallbackResult)
+            *fallbackResult = fallback;
+    }
     return result;
 }

@@ -21,6 +21,8 @@ struct CommandSplit {
 CommandSplit SplitCommandLine(QString& commandLine, const QString& currentDir);
 
 // Starts the program of `commandLine`; when that fails with a code below 32 the whole
-// (unquoted) line is started as it stands. Returns the first start's result.
+// (unquoted) line is started as it stands. Returns the first start's result; the
+// whole-line start's result goes to `fallbackResult` when it ran.
 std::int32_t StartProgram(ProcessLauncher& launcher, QString& commandLine, std::int32_t windowStyle,
-                          std::optional<QString> workingDirectory = {});
+                          std::optional<QString> workingDirectory = {},
+                          std::int32_t* fallbackResult = nullptr);

@@ -17,7 +17,7 @@
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Hostwarden"));
-    QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 8));
+    QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 7));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/ui/images/icon32.png")));
 
     QtMessageBoxes messages;

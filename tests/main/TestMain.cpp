@@ -5,7 +5,7 @@
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
-    QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 8));
+    QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 7));
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
