@@ -28,10 +28,16 @@ WindowHandle FakeWindowServices::GetWindow(WindowHandle window, WindowRelation r
     return 0;
 }
 
+void FakeWindowServices::Vanish(WindowHandle window) {
+    for (auto& w : windows)
+        if (w.handle == window)
+            w.gone = true;
+}
+
 bool FakeWindowServices::IsWindow(WindowHandle window) {
     for (const auto& w : windows)
         if (w.handle == window)
-            return true;
+            return !w.gone;
     return false;
 }
 
@@ -61,7 +67,7 @@ void FakeWindowServices::ProcessPendingEvents() {
 ActivateResult FakeWindowServices::ActivateByTitle(const QString& title) {
     activations.append(title);
     for (const auto& w : windows)
-        if (w.title.contains(title, Qt::CaseInsensitive))
+        if (!w.gone && w.title.contains(title, Qt::CaseInsensitive))
             return focusStolen ? ActivateResult::NotFocused : ActivateResult::Activated;
     return ActivateResult::NotFound;
 }

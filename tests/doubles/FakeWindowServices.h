@@ -14,6 +14,7 @@ public:
         QString title;
         WindowHandle owner = 0;
         std::uint32_t style = 0;
+        bool gone = false;
     };
     struct Post {
         WindowHandle window;
@@ -24,6 +25,9 @@ public:
     // Adds a window below the existing ones and returns its handle.
     WindowHandle Add(const QString& title, WindowHandle owner = 0, std::uint32_t style = 0);
     void Remove(WindowHandle window);
+    // The window is destroyed but keeps its place in the stacking order and its last
+    // title, as a backend that read the desktop before it changed would report them.
+    void Vanish(WindowHandle window);
 
     WindowHandle GetWindow(WindowHandle window, WindowRelation relation) override;
     bool IsWindow(WindowHandle window) override;
