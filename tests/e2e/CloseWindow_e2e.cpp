@@ -225,69 +225,66 @@ TEST_P(OwnWindowTest, IsNeverClosedAndHidesTheConsoleBelow) {
     EXPECT_TRUE(console.IsRunning());
 }
 
+std::string OwnName(const testing::TestParamInfo<Own>& info) {
+    switch (info.param) {
+    case Own::Window:
+        return "OfThisProcess";
+    case Own::MainWindowItself:
+        return "MainWindow";
+    case Own::TransientForMain:
+        return "TransientForMain";
+    }
+    return "Unknown";
+}
+
 INSTANTIATE_TEST_SUITE_P(Kinds, OwnWindowTest,
-                         testing::Values(Own::Window, Own::MainWindowItself,
-                                         Own::TransientForMain));
+                         testing::Values(Own::Window, Own::MainWindowItself, Own::TransientForMain),
+                         OwnName);
 
-TEST_F(CloseWindowTest, AConsoleShowingAModalDialogIsLeftAloneAndNothingElseIsTried) {
-    RawWindow::Options foreign;
-    foreign.ownPid = false;
-    RawWindow lower(session_->Display(), kServer, foreign);
-    ASSERT_TRUE(WaitUntil([&] { return IsClient(lower.Id()); }, 15s));
-    RawWindow console(session_->Display(), kServer, foreign);
-    ASSERT_TRUE(WaitUntil([&] { return IsClient(console.Id()); }, 15s));
+// Without a window manager the top-level windows are the root's mapped children, and
+// activation raises the window and gives it the focus itself.
+TEST(WithoutWindowManager, TheConsoleIsActivatedAndClosed) {
+    XSession session(XSession::WindowManager::Absent);
+    Desktop desktop(session);
+    X11WindowServices services(session.Display().toLocal8Bit().constData());
+    RawWindow main(session.Display(), "Hostwarden", {});
+    services.SetMainWindow(WindowHandle(main.Id()));
+    const ProcessOptions options{session.Environment(), {}, {}, {}};
+    Process console("xterm", {"-T", kServer, "-e", "sleep", "600"}, options);
+    Process notes("xterm", {"-T", "notes", "-e", "sleep", "600"}, options);
+    auto titles = [&] {
+        QStringList t;
+        for (WindowHandle h : services.ClientWindows())
+            t << services.GetWindowText(h);
+        return t;
+    };
+    ASSERT_TRUE(
+        WaitUntil([&] { return titles().contains(kServer) && titles().contains("notes"); }, 15s))
+        << titles().join(", ").toStdString();
 
-    CloseWindowByTitle(services_, kServer);
-    ASSERT_TRUE(WaitUntil([&] { return console.CloseRequests() == 1; }, 15s))
-        << "the console, enabled, is asked to close";
+    EXPECT_EQ(services.ActivateByTitle(kServer), ActivateResult::Activated);
+    EXPECT_EQ(titles().value(0), kServer) << "raised to the top";
 
-    RawWindow::Options dialogOptions = foreign;
-    dialogOptions.transientFor = console.Id();
-    dialogOptions.modal = true;
-    RawWindow dialog(session_->Display(), "Really quit?", dialogOptions);
-    ASSERT_TRUE(WaitUntil([&] { return IsClient(dialog.Id()); }, 15s));
-    EXPECT_EQ(services_.GetStyle(WindowHandle(console.Id())), WS_DISABLED);
-    EXPECT_EQ(services_.GetStyle(WindowHandle(lower.Id())), 0u);
+    CloseWindowByTitle(services, kServer);
 
-    CloseWindowByTitle(services_, kServer);
-
-    Settle();
-    EXPECT_EQ(console.CloseRequests(), 1);
-    EXPECT_EQ(lower.CloseRequests(), 0);
-    EXPECT_EQ(dialog.CloseRequests(), 0);
+    EXPECT_TRUE(console.WaitForExit(10s).has_value());
+    EXPECT_TRUE(notes.IsRunning());
+    EXPECT_EQ(services.ActivateByTitle(kServer), ActivateResult::NotFound);
+    EXPECT_EQ(main.CloseRequests(), 0);
 }
 
-TEST_F(CloseWindowTest, AWindowWithoutTheCloseProtocolIsClosedByTheWindowManager) {
-    RawWindow::Options plain;
-    plain.ownPid = false;
-    plain.deletable = false;
-    RawWindow console(session_->Display(), kServer, plain);
-    ASSERT_TRUE(WaitUntil([&] { return IsClient(console.Id()); }, 15s));
+TEST(LostConnection, TheProgramKeepsRunningAndFindsNoWindows) {
+    auto session = std::make_unique<XSession>(XSession::WindowManager::Absent);
+    X11WindowServices services(session->Display().toLocal8Bit().constData());
+    ASSERT_TRUE(services.IsConnected());
 
-    CloseWindowByTitle(services_, kServer);
+    session->StopServer();
 
-    // openbox ends the connection of a client that cannot be asked politely.
-    EXPECT_TRUE(WaitUntil([&] { return console.Disconnected(); }, 15s));
-    EXPECT_TRUE(services_.IsConnected());
-}
-
-TEST_F(CloseWindowTest, ActivationFocusesTheConsoleOrReportsItMissing) {
-    WindowId consoleId = 0, otherId = 0;
-    Process console = StartXterm(kServer, &consoleId);
-    Process other = StartXterm("notes", &otherId);
-    ASSERT_NE(consoleId, 0u);
-    ASSERT_NE(otherId, 0u);
-    ASSERT_TRUE(desktop_.Activate(otherId));
-
-    EXPECT_EQ(services_.ActivateByTitle("red faction DEDICATED server"), ActivateResult::Activated);
-    EXPECT_EQ(desktop_.ActiveWindow(), consoleId);
-    // Already in front: reported at once.
-    EXPECT_EQ(services_.ActivateByTitle(kServer), ActivateResult::Activated);
-
-    EXPECT_EQ(services_.ActivateByTitle("No Such Server"), ActivateResult::NotFound);
-    console.Stop();
-    ASSERT_TRUE(desktop_.WaitForWindowGone(consoleId));
-    EXPECT_EQ(services_.ActivateByTitle(kServer), ActivateResult::NotFound);
+    EXPECT_EQ(services.ActivateByTitle(kServer), ActivateResult::NotFound);
+    EXPECT_FALSE(services.IsConnected());
+    EXPECT_EQ(services.GetWindow(0, WindowRelation::First), 0u);
+    CloseWindowByTitle(services, kServer);
+    services.PostMessage(1234, WM_CLOSE);
 }
 
 } // namespace

@@ -17,7 +17,7 @@ namespace e2e {
 // Throws std::runtime_error when the server or the window manager does not come up.
 class XSession {
 public:
-    enum class WindowManager { Openbox, None };
+    enum class WindowManager { Openbox, Absent };
 
     explicit XSession(WindowManager wm = WindowManager::Openbox);
     ~XSession();
