@@ -241,6 +241,67 @@ INSTANTIATE_TEST_SUITE_P(Kinds, OwnWindowTest,
                          testing::Values(Own::Window, Own::MainWindowItself, Own::TransientForMain),
                          OwnName);
 
+TEST_F(CloseWindowTest, AConsoleShowingAModalDialogIsLeftAloneAndNothingElseIsTried) {
+    RawWindow::Options foreign;
+    foreign.ownPid = false;
+    RawWindow lower(session_->Display(), kServer, foreign);
+    ASSERT_TRUE(WaitUntil([&] { return IsClient(lower.Id()); }, 15s));
+    RawWindow console(session_->Display(), kServer, foreign);
+    ASSERT_TRUE(WaitUntil([&] { return IsClient(console.Id()); }, 15s));
+
+    CloseWindowByTitle(services_, kServer);
+    ASSERT_TRUE(WaitUntil([&] { return console.CloseRequests() == 1; }, 15s))
+        << "the console, enabled, is asked to close";
+
+    RawWindow::Options dialogOptions = foreign;
+    dialogOptions.transientFor = console.Id();
+    dialogOptions.modal = true;
+    RawWindow dialog(session_->Display(), "Really quit?", dialogOptions);
+    ASSERT_TRUE(WaitUntil([&] { return IsClient(dialog.Id()); }, 15s));
+    EXPECT_EQ(services_.GetStyle(WindowHandle(console.Id())), WS_DISABLED);
+    EXPECT_EQ(services_.GetStyle(WindowHandle(lower.Id())), 0u);
+
+    CloseWindowByTitle(services_, kServer);
+
+    Settle();
+    EXPECT_EQ(console.CloseRequests(), 1);
+    EXPECT_EQ(lower.CloseRequests(), 0);
+    EXPECT_EQ(dialog.CloseRequests(), 0);
+}
+
+TEST_F(CloseWindowTest, AWindowWithoutTheCloseProtocolIsClosedByTheWindowManager) {
+    RawWindow::Options plain;
+    plain.ownPid = false;
+    plain.deletable = false;
+    RawWindow console(session_->Display(), kServer, plain);
+    ASSERT_TRUE(WaitUntil([&] { return IsClient(console.Id()); }, 15s));
+
+    CloseWindowByTitle(services_, kServer);
+
+    // openbox ends the connection of a client that cannot be asked politely.
+    EXPECT_TRUE(WaitUntil([&] { return console.Disconnected(); }, 15s));
+    EXPECT_TRUE(services_.IsConnected());
+}
+
+TEST_F(CloseWindowTest, ActivationFocusesTheConsoleOrReportsItMissing) {
+    WindowId consoleId = 0, otherId = 0;
+    Process console = StartXterm(kServer, &consoleId);
+    Process other = StartXterm("notes", &otherId);
+    ASSERT_NE(consoleId, 0u);
+    ASSERT_NE(otherId, 0u);
+    ASSERT_TRUE(desktop_.Activate(otherId));
+
+    EXPECT_EQ(services_.ActivateByTitle("red faction DEDICATED server"), ActivateResult::Activated);
+    EXPECT_EQ(desktop_.ActiveWindow(), consoleId);
+    // Already in front: reported at once.
+    EXPECT_EQ(services_.ActivateByTitle(kServer), ActivateResult::Activated);
+
+    EXPECT_EQ(services_.ActivateByTitle("No Such Server"), ActivateResult::NotFound);
+    console.Stop();
+    ASSERT_TRUE(desktop_.WaitForWindowGone(consoleId));
+    EXPECT_EQ(services_.ActivateByTitle(kServer), ActivateResult::NotFound);
+}
+
 // Without a window manager the top-level windows are the root's mapped children, and
 // activation raises the window and gives it the focus itself.
 TEST(WithoutWindowManager, TheConsoleIsActivatedAndClosed) {
