@@ -1,0 +1,150 @@
+#include "Desktop.h"
+
+#include "Artifacts.h"
+#include "XSession.h"
+
+#include <QRegularExpression>
+
+namespace e2e {
+
+namespace {
+
+QString Hex(WindowId window) {
+    return "0x" + QString::number(window, 16);
+}
+
+std::optional<WindowId> ParseId(const QString& text) {
+    bool ok = false;
+    const QString t = text.trimmed();
+    const WindowId id = t.startsWith("0x") ? t.mid(2).toULong(&ok, 16) : t.toULong(&ok, 10);
+    return ok && id != 0 ? std::optional<WindowId>(id) : std::nullopt;
+}
+
+bool Matches(const QString& windowTitle, const QString& title, TitleMatch match) {
+    if (match == TitleMatch::Exact)
+        return windowTitle == title;
+    return windowTitle.contains(title, Qt::CaseInsensitive);
+}
+
+} // namespace
+
+Desktop::Desktop(const XSession& session) : display_(session.Display()) {}
+
+Desktop::Desktop(const QString& display) : display_(display) {}
+
+ToolResult Desktop::Run(const QString& program, const QStringList& args) const {
+    return RunTool(program, args, {"DISPLAY=" + display_});
+}
+
+std::vector<ClientWindow> Desktop::Windows() const {
+    std::vector<WindowId> ids;
+    const ToolResult list = Run("xprop", {"-root", "-notype", "_NET_CLIENT_LIST_STACKING"});
+    static const QRegularExpression hexId("0x[0-9a-fA-F]+");
+    if (list.exitCode == 0 && list.out.contains("#")) {
+        for (const auto& m : hexId.globalMatch(list.out.section('#', 1)))
+            if (auto id = ParseId(m.captured()))
+                ids.insert(ids.begin(), *id);
+    } else {
+        // No window manager: the mapped children of the root, listed bottom to top.
+        const ToolResult tree =
+            Run("xdotool", {"search", "--onlyvisible", "--maxdepth", "1", "--name", ""});
+        for (const QString& line : tree.out.split('\n', Qt::SkipEmptyParts))
+            if (auto id = ParseId(line))
+                ids.insert(ids.begin(), *id);
+    }
+    std::vector<ClientWindow> windows;
+    for (WindowId id : ids)
+        windows.push_back({id, WindowTitle(id)});
+    return windows;
+}
+
+QStringList Desktop::WindowTitles() const {
+    QStringList titles;
+    for (const auto& w : Windows())
+        titles << w.title;
+    return titles;
+}
+
+std::optional<WindowId> Desktop::FindWindow(const QString& title, TitleMatch match) const {
+    for (const auto& w : Windows())
+        if (Matches(w.title, title, match))
+            return w.id;
+    return std::nullopt;
+}
+
+std::optional<WindowId> Desktop::WaitForWindow(const QString& title, TitleMatch match,
+                                               std::chrono::milliseconds timeout) const {
+    std::optional<WindowId> found;
+    WaitUntil([&] { return (found = FindWindow(title, match)).has_value(); }, timeout, 50ms);
+    return found;
+}
+
+bool Desktop::WaitForWindowGone(WindowId window, std::chrono::milliseconds timeout) const {
+    return WaitUntil([&] { return !WindowExists(window); }, timeout, 50ms);
+}
+
+bool Desktop::WindowExists(WindowId window) const {
+    return Run("xwininfo", {"-id", Hex(window)}).exitCode == 0;
+}
+
+QString Desktop::WindowTitle(WindowId window) const {
+    // _NET_WM_NAME carries UTF-8; xprop prints it as a quoted C string.
+    const ToolResult name = Run("xprop", {"-id", Hex(window), "-notype", "_NET_WM_NAME"});
+    static const QRegularExpression quoted("= \"(.*)\"\\s*$");
+    auto m = quoted.match(name.out);
+    if (name.exitCode == 0 && m.hasMatch())
+        return m.captured(1).replace("\\\"", "\"").replace("\\\\", "\\");
+    const ToolResult legacy = Run("xdotool", {"getwindowname", Hex(window)});
+    return legacy.exitCode == 0 ? legacy.out.chopped(legacy.out.endsWith('\n') ? 1 : 0) : QString();
+}
+
+std::optional<QRect> Desktop::WindowGeometry(WindowId window) const {
+    const ToolResult info = Run("xwininfo", {"-id", Hex(window)});
+    if (info.exitCode != 0)
+        return std::nullopt;
+    auto field = [&](const QString& name) {
+        const QRegularExpression re(QRegularExpression::escape(name) + ":\\s*(-?\\d+)");
+        auto m = re.match(info.out);
+        return m.hasMatch() ? m.captured(1).toInt() : 0;
+    };
+    return QRect(field("Absolute upper-left X"), field("Absolute upper-left Y"), field("Width"),
+                 field("Height"));
+}
+
+bool Desktop::Click(WindowId window, QPoint position, int button) const {
+    return Run("xdotool",
+               {"mousemove", "--sync", "--window", Hex(window), QString::number(position.x()),
+                QString::number(position.y()), "click", QString::number(button)})
+               .exitCode == 0;
+}
+
+bool Desktop::TypeText(const QString& text) const {
+    return Run("xdotool", {"type", "--delay", "30", "--", text}).exitCode == 0;
+}
+
+bool Desktop::PressKey(const QString& keys) const {
+    return Run("xdotool", {"key", "--", keys}).exitCode == 0;
+}
+
+bool Desktop::Activate(WindowId window) const {
+    return Run("xdotool", {"windowactivate", "--sync", Hex(window)}).exitCode == 0;
+}
+
+std::optional<WindowId> Desktop::ActiveWindow() const {
+    const ToolResult r = Run("xdotool", {"getactivewindow"});
+    return r.exitCode == 0 ? ParseId(r.out) : std::nullopt;
+}
+
+std::optional<WindowId> Desktop::FocusedWindow() const {
+    const ToolResult r = Run("xdotool", {"getwindowfocus", "-f"});
+    return r.exitCode == 0 ? ParseId(r.out) : std::nullopt;
+}
+
+QString Desktop::Screenshot(const QString& name, WindowId window) const {
+    const QString path = ArtifactPath(name + ".png");
+    const ToolResult r =
+        Run("import", {"-window", window ? Hex(window) : QString("root"), "png:" + path});
+    return r.exitCode == 0 ? path : QString();
+}
+
+} // namespace e2e
