@@ -23,28 +23,33 @@ struct Launch : MainWindow {
 } // namespace
 
 TEST(Launch, CommandLineOfTheExampleOnWindowsAndLinuxPaths) {
+    QTemporaryDir dir;
+    // A Windows game path is only a file name here: the options file lands in the
+    // current folder, and the command line keeps the path as it is.
+    QDir::setCurrent(dir.path());
+    QDir(dir.path()).mkpath("games/rf");
+    const QString linuxDir = dir.path() + "/games/rf";
     const struct {
-        const char* gameDir;
-        const char* program;
-        const char* workingDirectory;
+        QString gameDir;
+        QString program;
+        QString workingDirectory;
     } rows[] = {
         {"C:\\Games\\RF\\", "C:\\Games\\RF\\RF.EXE", "C:\\Games\\RF"},
-        {"/games/rf/", "/games/rf/RF.EXE", "/games/rf"},
+        {linuxDir + "/", linuxDir + "/RF.EXE", linuxDir},
     };
-    QTemporaryDir dir;
     for (const auto& row : rows) {
         Launch m(row.gameDir);
-        // The options file goes to a real folder; the command line keeps the game path.
-        QDir::setCurrent(dir.path());
-        m.ui().TXTConfName->setText("Default");
+        // The launch stores the configuration first, which gives it the list entry's
+        // name: the example's name "Default" is the entry of a list that holds it so.
+        m.app.CurrentConf = "Default";
         m.ui().CHKGameTracker->setChecked(true);
         m.ui().CHKPort->setChecked(true);
         m.ui().TXTPort->setText("1234");
         CMDLaunch_Click(*m.w);
-        ASSERT_EQ(m.t.launcher.calls.size(), 1) << row.gameDir;
+        ASSERT_EQ(m.t.launcher.calls.size(), 1) << row.gameDir.toStdString();
         const Call& call = m.t.launcher.calls[0];
         EXPECT_EQ(call.program, row.program);
-        EXPECT_EQ(call.parameters, "-dedicated DEFAULT -lanonly -port 1234");
+        EXPECT_EQ(call.parameters, "-dedicated Default -lanonly -port 1234");
         EXPECT_EQ(call.workingDirectory, row.workingDirectory);
         EXPECT_EQ(call.windowStyle, 1);
         EXPECT_EQ(m.w->ServerHandle, 42);
@@ -80,7 +85,7 @@ TEST(Launch, SwitchesFollowTheControls) {
         m.ui().TXTPort->setEnabled(true);
         m.ui().TXTPort->setText(row.portText);
         m.ui().TXTMod->setText(row.mod);
-        m.ui().TXTConfName->setText(row.name);
+        m.app.CurrentConf = row.name;
         m.w->ServerHandle = 7;
         CMDLaunch_Click(*m.w);
         SCOPED_TRACE(row.what);
@@ -99,7 +104,7 @@ TEST(Launch, SwitchesFollowTheControls) {
         // stored the configuration.
         EXPECT_EQ(m.w->ServerHandle, 0);
         EXPECT_TRUE(QFile::exists(dir.path() + "/dedicated_server.txt"));
-        EXPECT_EQ(m.t.Get("DEFAULT", "name"), "DEFAULT");
+        EXPECT_EQ(m.t.Get(row.name, "name"), row.name);
         EXPECT_FALSE(m.w->TMRAdds.isActive());
     }
 }
@@ -151,11 +156,12 @@ TEST(Launch, FailedStartsAreReported) {
         EXPECT_EQ(m.w->ServerHandle, row.handle);
         EXPECT_EQ(m.w->TMRAdds.isActive(), !row.reported);
         ASSERT_EQ(m.t.messages.shown.size(), row.reported ? 1 : 0);
-        if (row.reported)
+        if (row.reported) {
             EXPECT_EQ(m.t.messages.shown[0],
                       (MessageRequest{"RedFaction Dedicated Server Filed to Launch",
                                       "Dedicated Server Error", MsgButtons::OK, MsgIcon::None,
                                       MsgDefault::First}));
+        }
     }
 }
 
@@ -206,13 +212,15 @@ TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {
         SCOPED_TRACE(row.what);
         ASSERT_EQ(m.t.messages.shown.size(), row.boxes);
         EXPECT_EQ(m.t.messages.shown[0], first);
-        if (row.boxes > 1)
+        if (row.boxes > 1) {
             EXPECT_EQ(m.t.messages.shown[1], second);
+        }
         EXPECT_EQ(m.t.end.ended, row.ends ? 1 : 0);
         EXPECT_EQ(m.t.beeper.beeps, row.ends ? (row.stored ? 2 : 1) : 0);
         EXPECT_EQ(m.t.windows.posts.size(), row.ends ? 2 : 0);
-        if (row.ends)
+        if (row.ends) {
             EXPECT_EQ(m.t.windows.posts.last(), (FakeWindowServices::Post{console, WM_CLOSE}));
+        }
         EXPECT_EQ(m.t.Get("DEFAULT", "password"), row.stored ? "changed" : "");
     }
 }
@@ -225,4 +233,19 @@ TEST(Exit, WithoutAServerWindowEndsSilently) {
     EXPECT_EQ(m.t.end.ended, 1);
     EXPECT_EQ(m.t.messages.shown.size(), 1);
     EXPECT_TRUE(m.t.windows.posts.isEmpty());
+}
+
+TEST(Launch, StoresFirstSoTheServerIsNamedAfterTheListEntry) {
+    // The file is written before the configuration is stored, the command line after:
+    // storing gives the configuration the name of its list entry.
+    QTemporaryDir dir;
+    Launch m(dir.path() + "/");
+    ASSERT_EQ(m.ui().TXTConfName->text(), "Default");
+    CMDLaunch_Click(*m.w);
+    ASSERT_EQ(m.t.launcher.calls.size(), 1);
+    EXPECT_EQ(m.t.launcher.calls[0].parameters, "-dedicated DEFAULT");
+    QFile file(dir.path() + "/dedicated_server.txt");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains("$Name:           \"Default\"\r\n"));
+    EXPECT_EQ(m.ui().TXTConfName->text(), "DEFAULT");
 }

@@ -141,6 +141,7 @@ TEST(Setup, AfterAResetTheNextStartIsAFirstRunWithOnlyDefault) {
         r.t.Put("ConfName", "Conf2", "CLAN");
         r.t.Put("Startup", "HasRunSetup", "1");
         r.t.Put("Startup", "RFLocation", "/games/rf/");
+        r.app.AppName = kAppName;
         r.t.messages.answers = {MsgAnswer::Yes};
         CMDReset_Click(r.t.services, r.app);
         ASSERT_EQ(r.t.end.ended, 1);

@@ -1,6 +1,7 @@
 #include "automation/AutoMessages.h"
 
 #include "automation/AutoMessageHost.h"
+#include "automation/Module2.h"
 #include "automation/KeySender.h"
 #include "platform/Beeper.h"
 #include "platform/MessageBoxes.h"
@@ -108,7 +109,7 @@ void AutoMessages::TMRSend_Timer() {
 void AutoMessages::TypeCurrentCharacter() {
     ActivateResult activation;
     try {
-        activation = windows_.ActivateByTitle(kServerTitle);
+        activation = ActivateServerWindow(windows_);
     } catch (const std::exception&) {
         activation = ActivateResult::NotFound;
     }

@@ -21,8 +21,6 @@ struct AppState;
 // starts the countdown from outside (the launch) goes through SetTMRAddsEnabled.
 class AutoMessages {
 public:
-    // Console window the messages are typed into.
-    static constexpr const char* kServerTitle = "Red Faction Dedicated Server";
     // How long a line may wait for the console to get the input focus before it is
     // dropped.
     static constexpr int kFocusPatienceMs = 10000;

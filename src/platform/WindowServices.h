@@ -31,6 +31,8 @@ public:
     virtual std::uint32_t GetStyle(WindowHandle window) = 0;
     virtual void PostMessage(WindowHandle window, std::uint32_t message) = 0;
     virtual WindowHandle MainWindow() = 0;
+    // Names the program's main window once it exists.
+    virtual void SetMainWindow(WindowHandle window) = 0;
     virtual void ProcessPendingEvents() = 0;
 
     // Brings the window whose title contains `title` (any letter case) to the front.

@@ -4,6 +4,7 @@
 #include "platform/ProcessEnd.h"
 #include "platform/Services.h"
 #include "platform/SettingsStore.h"
+#include "platform/WindowServices.h"
 #include "server/AppState.h"
 #include "server/StartupHandlers.h"
 #include "settings/ProjectInfo.h"
@@ -68,6 +69,7 @@ void Setup_CMDOK_Click(Setup& s) {
     }
     CentreOnScreen(app.MainWindow);
     app.MainWindow->show();
+    s.services.windows.SetMainWindow(static_cast<WindowHandle>(app.MainWindow->winId()));
 
     s.hide();
     if (app.Setup == &s)

@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QFont>
 #include <QIcon>
+#include <QScreen>
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);

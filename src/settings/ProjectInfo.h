@@ -6,5 +6,3 @@
 inline const QString kAppName = QStringLiteral("Hostwarden 2.0");
 // The project's update page, quoted in the default messages and the banner notice.
 inline const QString kProjectAddress = QStringLiteral("https://hostwarden.example.org/");
-// Title of the console window of a running dedicated server.
-inline const QString kServerTitle = QStringLiteral("Red Faction Dedicated Server");

@@ -35,6 +35,7 @@ public:
     std::uint32_t GetStyle(WindowHandle window) override;
     void PostMessage(WindowHandle window, std::uint32_t message) override;
     WindowHandle MainWindow() override { return mainWindow; }
+    void SetMainWindow(WindowHandle window) override { mainWindow = window; }
     void ProcessPendingEvents() override;
     ActivateResult ActivateByTitle(const QString& title) override;
 

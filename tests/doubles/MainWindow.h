@@ -19,7 +19,10 @@ struct MainWindow {
     std::unique_ptr<Hostwarden> w;
 
     // Seeds nothing: call Seed* first, then Load().
-    MainWindow() { app.AppName = kAppName; }
+    MainWindow() {
+        app.AppName = kAppName;
+        t.windows.mainWindow = 1;
+    }
 
     void SeedFirstRun() {
         CreateDefaultConfig(t.store, kAppName);

@@ -26,7 +26,7 @@ public:
     // operation then reports no windows.
     bool IsConnected() const { return display_ != nullptr && !lost_; }
     // The X id of the program's main window (QWidget::winId() under xcb).
-    void SetMainWindow(WindowHandle window) { mainWindow_ = window; }
+    void SetMainWindow(WindowHandle window) override { mainWindow_ = window; }
 
     WindowHandle GetWindow(WindowHandle window, WindowRelation relation) override;
     bool IsWindow(WindowHandle window) override;
