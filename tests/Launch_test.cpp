@@ -52,7 +52,7 @@ TEST(Launch, CommandLineOfTheExampleOnWindowsAndLinuxPaths) {
         EXPECT_EQ(call.parameters, "-dedicated Default -lanonly -port 1234");
         EXPECT_EQ(call.workingDirectory, row.workingDirectory);
         EXPECT_EQ(call.windowStyle, 1);
-        EXPECT_EQ(m.w->ServerHandle, 42);
+        EXPECT_EQ(m.w->automation->ServerHandle, 42);
         EXPECT_TRUE(m.w->TMRAdds.isActive());
     }
 }
@@ -86,7 +86,7 @@ TEST(Launch, SwitchesFollowTheControls) {
         m.ui().TXTPort->setText(row.portText);
         m.ui().TXTMod->setText(row.mod);
         m.app.CurrentConf = row.name;
-        m.w->ServerHandle = 7;
+        m.w->automation->ServerHandle = 7;
         CMDLaunch_Click(*m.w);
         SCOPED_TRACE(row.what);
         if (row.parameters) {
@@ -102,7 +102,7 @@ TEST(Launch, SwitchesFollowTheControls) {
                                                           MsgDefault::First}));
         // A refused launch has still closed the old console, written the file and
         // stored the configuration.
-        EXPECT_EQ(m.w->ServerHandle, 0);
+        EXPECT_EQ(m.w->automation->ServerHandle, 0);
         EXPECT_TRUE(QFile::exists(dir.path() + "/dedicated_server.txt"));
         EXPECT_EQ(m.t.Get(row.name, "name"), row.name);
         EXPECT_FALSE(m.w->TMRAdds.isActive());
@@ -153,7 +153,7 @@ TEST(Launch, FailedStartsAreReported) {
         m.t.launcher.commandLineResults = row.commandLine;
         CMDLaunch_Click(*m.w);
         SCOPED_TRACE(row.what);
-        EXPECT_EQ(m.w->ServerHandle, row.handle);
+        EXPECT_EQ(m.w->automation->ServerHandle, row.handle);
         EXPECT_EQ(m.w->TMRAdds.isActive(), !row.reported);
         ASSERT_EQ(m.t.messages.shown.size(), row.reported ? 1 : 0);
         if (row.reported) {
@@ -171,7 +171,7 @@ TEST(Launch, UnwritableOptionsFileStopsTheLaunch) {
     EXPECT_TRUE(m.t.launcher.calls.isEmpty());
     ASSERT_EQ(m.t.messages.shown.size(), 1);
     EXPECT_EQ(m.t.messages.shown[0].title, "Options File Error");
-    EXPECT_EQ(m.w->ServerHandle, 0);
+    EXPECT_EQ(m.w->automation->ServerHandle, 0);
 }
 
 TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {

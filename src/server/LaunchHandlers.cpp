@@ -1,5 +1,6 @@
 #include "server/LaunchHandlers.h"
 
+#include "automation/AutoMessages.h"
 #include "automation/Module2.h"
 #include "options/OptionsHandlers.h"
 #include "platform/Beeper.h"
@@ -26,7 +27,7 @@ QString ServerCommandLine(const Hostwarden& w) {
 
 void CMDLaunch_Click(Hostwarden& w) {
     auto& ui = *w.ui;
-    w.ServerHandle = 0;
+    w.automation->ServerHandle = 0;
     CloseWindowByTitle(w.services.windows, kServerWindowTitle);
     // A server started on a stale options file would not run what the operator sees.
     if (!Write_File(w))
@@ -52,18 +53,19 @@ void CMDLaunch_Click(Hostwarden& w) {
         commandLine += QStringLiteral(" -mod ") + ui.TXTMod->text();
 
     std::int32_t fallback = 0;
-    w.ServerHandle = StartProgram(w.services.launcher, commandLine, 1, {}, &fallback);
+    std::int32_t started = StartProgram(w.services.launcher, commandLine, 1, {}, &fallback);
     // When the whole-line start failed as well, nothing runs: say so rather than
     // take the server for launched.
-    if (w.ServerHandle <= 32 && fallback <= 32)
-        w.ServerHandle = 0;
-    if (w.ServerHandle == 0) {
+    if (started <= 32 && fallback <= 32)
+        started = 0;
+    w.automation->ServerHandle = static_cast<std::uint32_t>(started);
+    if (started == 0) {
         w.services.messages.Show({QStringLiteral("RedFaction Dedicated Server Filed to Launch"),
                                   QStringLiteral("Dedicated Server Error"), MsgButtons::OK,
                                   MsgIcon::None, MsgDefault::First});
         return;
     }
-    w.TMRAdds.start();
+    w.automation->SetTMRAddsEnabled(true);
 }
 
 void CMDExit_Click(Hostwarden& w) {

@@ -1,6 +1,11 @@
 #include "ui/Hostwarden.h"
 
+#include "automation/AutoMessageHandlers.h"
+#include "automation/AutoMessages.h"
+#include "automation/ModPushKeys.h"
 #include "options/OptionsHandlers.h"
+#include "platform/Services.h"
+#include "server/LaunchHandlers.h"
 #include "server/StartupHandlers.h"
 #include "settings/ConfigHandlers.h"
 #include "ui/ConfigFieldHandlers.h"
@@ -22,11 +27,17 @@ Hostwarden::Hostwarden(AppState& state, Services& services, QWidget* parent)
     for (auto* option : {ui->OPTCTF, ui->OPTDM, ui->OPTTDM})
         gameType->addButton(option);
 
-    Timer1.setInterval(1000);
-    TMRAdds.setInterval(1000);
+    Timer1.setInterval(MessageSecondMs());
+    TMRAdds.setInterval(MessageSecondMs());
     TMRSend.setInterval(110);
+    keys = std::make_unique<ModPushKeys>(services.keyboard);
+    messageHost = std::make_unique<MainWindowMessageHost>(*this);
+    automation = std::make_unique<AutoMessages>(*messageHost, app, services.windows, *keys,
+                                                services.random, services.beeper,
+                                                services.messages);
 
     Connect();
+    Timer1.start();
 }
 
 Hostwarden::~Hostwarden() = default;
@@ -75,6 +86,16 @@ void Hostwarden::Connect() {
     connect(ui->CHKPort, &QAbstractButton::toggled, this, [w] { CHKPort_Click(*w); });
     connect(ui->CHKServRec, &QAbstractButton::toggled, this, [w] { CHKServRec_Click(*w); });
     connect(ui->TXTPort, &QLineEdit::textChanged, this, [w] { TXTPort_Change(*w); });
+
+    connect(ui->CMDLaunch, &QAbstractButton::clicked, this, [w] { CMDLaunch_Click(*w); });
+    connect(ui->CMDExit, &QAbstractButton::clicked, this, [w] { CMDExit_Click(*w); });
+    connect(ui->CMDMin, &QAbstractButton::clicked, this, [w] { CMDMin_Click(*w); });
+
+    connect(ui->CHKMessage, &QAbstractButton::toggled, this,
+            [w](bool checked) { w->automation->CHKMessage_Click(checked); });
+    connect(&Timer1, &QTimer::timeout, this, [w] { w->automation->Timer1_Timer(); });
+    connect(&TMRAdds, &QTimer::timeout, this, [w] { w->automation->TMRAdds_Timer(); });
+    connect(&TMRSend, &QTimer::timeout, this, [w] { w->automation->TMRSend_Timer(); });
 
     ui->TXTConfName->installEventFilter(this);
     ui->Image1->installEventFilter(this);

@@ -12,6 +12,9 @@
 namespace Ui {
 class Hostwarden;
 }
+class AutoMessages;
+class MainWindowMessageHost;
+class ModPushKeys;
 class QButtonGroup;
 class QLineEdit;
 struct Services;
@@ -33,7 +36,12 @@ public:
     QTimer Timer1;
     QTimer TMRAdds;
     QTimer TMRSend;
-    std::int32_t ServerHandle = 0;
+
+    std::unique_ptr<ModPushKeys> keys;
+    std::unique_ptr<MainWindowMessageHost> messageHost;
+    // The automatic messages: the hidden queue LSTBuff, the line being typed and the
+    // launch result ServerHandle live there.
+    std::unique_ptr<AutoMessages> automation;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

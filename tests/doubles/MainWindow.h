@@ -2,6 +2,7 @@
 
 #include "TestServices.h"
 
+#include "automation/AutoMessages.h"
 #include "options/OptionsHandlers.h"
 #include "server/StartupHandlers.h"
 #include "settings/ServerConfig.h"
