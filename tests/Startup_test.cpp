@@ -30,6 +30,10 @@ TEST(Startup, RestoresThePreferencesAlongTheirChain) {
          {{"ServRec", "2"}, {"LanOnly", "yes"}, {"Port", "1"}, {"PortNum", ""}}, 110, 3, false,
          false, true, ""},
         {"rates", {{"TextRate", "50"}, {"MsgRate", "10"}}, 50, 10, false, false, false, ""},
+        {"hand-edited rates are brought into range",
+         {{"TextRate", "5"}, {"MsgRate", "600"}}, 10, 15, false, false, false, ""},
+        {"unreadable rates give the defaults",
+         {{"TextRate", "fast"}, {"MsgRate", "0"}}, 110, 3, false, false, false, ""},
     };
     for (const StartupRow& row : rows) {
         MainWindow m;

@@ -3,6 +3,7 @@
 #include "automation/AutoMessageHandlers.h"
 #include "automation/AutoMessages.h"
 #include "automation/ModPushKeys.h"
+#include "automation/RateHandlers.h"
 #include "options/OptionsHandlers.h"
 #include "platform/Services.h"
 #include "server/LaunchHandlers.h"
@@ -90,6 +91,8 @@ void Hostwarden::Connect() {
     connect(ui->CMDLaunch, &QAbstractButton::clicked, this, [w] { CMDLaunch_Click(*w); });
     connect(ui->CMDExit, &QAbstractButton::clicked, this, [w] { CMDExit_Click(*w); });
     connect(ui->CMDMin, &QAbstractButton::clicked, this, [w] { CMDMin_Click(*w); });
+    connect(ui->CMDTextRate, &QAbstractButton::clicked, this, [w] { CMDTextRate_Click(*w); });
+    connect(ui->CMDMsgRate, &QAbstractButton::clicked, this, [w] { CMDMsgRate_Click(*w); });
 
     connect(ui->CHKMessage, &QAbstractButton::toggled, this,
             [w](bool checked) { w->automation->CHKMessage_Click(checked); });
