@@ -12,13 +12,27 @@ namespace {
 void SeedClan(TestServices& t, const QString& gametype, const QStringList& maps,
               const QString& booleansTrue = "True", const QString& booleansFalse = "False") {
     const QList<QPair<QString, QString>> keys = {
-        {"gametype", gametype}, {"servname", "Clan Night"}, {"name", "CLAN"},
-        {"maxplayers", "8"},    {"password", "pw"},         {"rconpass", "rc"},
-        {"maxtime", "20"},      {"maxcaps", "3"},           {"maxkills", "25"},
-        {"maxgeo", "64"},       {"teamdamage", booleansTrue}, {"forcespawn", booleansTrue},
-        {"balance", booleansFalse}, {"weaponstay", booleansTrue}, {"falldamage", booleansFalse},
-        {"default", "1"},       {"Mod", "Rocketball"},      {"Text0", "hello"},
-        {"Text1", ""},          {"Text2", "third"},         {"Text3", ""},
+        {"gametype", gametype},
+        {"servname", "Clan Night"},
+        {"name", "CLAN"},
+        {"maxplayers", "8"},
+        {"password", "pw"},
+        {"rconpass", "rc"},
+        {"maxtime", "20"},
+        {"maxcaps", "3"},
+        {"maxkills", "25"},
+        {"maxgeo", "64"},
+        {"teamdamage", booleansTrue},
+        {"forcespawn", booleansTrue},
+        {"balance", booleansFalse},
+        {"weaponstay", booleansTrue},
+        {"falldamage", booleansFalse},
+        {"default", "1"},
+        {"Mod", "Rocketball"},
+        {"Text0", "hello"},
+        {"Text1", ""},
+        {"Text2", "third"},
+        {"Text3", ""},
         {"MessageOn", "0"},
     };
     for (const auto& [key, value] : keys)
@@ -36,8 +50,11 @@ struct Loaded {
 
 Loaded Shown(MainWindow& m) {
     auto& ui = m.ui();
-    return {m.app.gametype,        ui.TXTServName->text(), ui.MaxPlayers->currentText(),
-            ui.TeamDamage->currentText() + ui.Balance->currentText(), m.Maps().join(","),
+    return {m.app.gametype,
+            ui.TXTServName->text(),
+            ui.MaxPlayers->currentText(),
+            ui.TeamDamage->currentText() + ui.Balance->currentText(),
+            m.Maps().join(","),
             ui.TXTMod->text()};
 }
 

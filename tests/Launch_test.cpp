@@ -97,9 +97,9 @@ TEST(Launch, SwitchesFollowTheControls) {
         }
         EXPECT_TRUE(m.t.launcher.calls.isEmpty());
         ASSERT_EQ(m.t.messages.shown.size(), 1);
-        EXPECT_EQ(m.t.messages.shown[0], (MessageRequest{row.message, "Config Error",
-                                                          MsgButtons::OK, MsgIcon::Critical,
-                                                          MsgDefault::First}));
+        EXPECT_EQ(m.t.messages.shown[0],
+                  (MessageRequest{row.message, "Config Error", MsgButtons::OK, MsgIcon::Critical,
+                                  MsgDefault::First}));
         // A refused launch has still closed the old console, written the file and
         // stored the configuration.
         EXPECT_EQ(m.w->automation->ServerHandle, 0);

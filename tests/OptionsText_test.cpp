@@ -81,8 +81,8 @@ TEST(OptionsText, ValuesAreRenderedAsTheFileExpects) {
          "$Team Damage:    True\r\n"},
         {"weapons stay value starts one column later", [](AppState& s) { s.weaponstay = kTrue; },
          "$Weapons Stay:    True\r\n"},
-        {"quotes and line breaks are not escaped",
-         [](AppState& s) { s.password = "a\"b\r\nc"; }, "$Password:       \"a\"b\r\nc\"\r\n"},
+        {"quotes and line breaks are not escaped", [](AppState& s) { s.password = "a\"b\r\nc"; },
+         "$Password:       \"a\"b\r\nc\"\r\n"},
         {"server name is not trimmed", [](AppState& s) { s.servname = " x "; },
          "$Server Name:    \" x \"\r\n"},
     };

@@ -71,7 +71,7 @@ TEST(CreateNewConfig, ReplacesAStoredConfigurationAndMarksItSaved) {
     CreateNewConfig(t.store, s);
 
     QStringList expected = kFirstRun;
-    expected.removeLast();                      // MapCount comes earlier, as mapcount
+    expected.removeLast(); // MapCount comes earlier, as mapcount
     expected.replace(1, "servname=$Me's Dedicated CTF running Hostwarden 2.0");
     expected.replace(2, "name=CLAN");
     expected.insert(15, "mapcount=0");

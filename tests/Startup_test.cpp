@@ -18,22 +18,55 @@ struct StartupRow {
 TEST(Startup, RestoresThePreferencesAlongTheirChain) {
     const StartupRow rows[] = {
         {"no Startup values", {}, 110, 3, false, false, false, ""},
-        {"LanOnly without ServRec: the chain stops at ServRec", {{"LanOnly", "1"}}, 110, 3,
-         false, false, false, ""},
+        {"LanOnly without ServRec: the chain stops at ServRec",
+         {{"LanOnly", "1"}},
+         110,
+         3,
+         false,
+         false,
+         false,
+         ""},
         {"whole chain",
          {{"ServRec", "1"}, {"lanonly", "1"}, {"Port", "1"}, {"PortNum", "7755"}},
-         110, 3, true, true, true, "7755"},
+         110,
+         3,
+         true,
+         true,
+         true,
+         "7755"},
         {"Port missing: PortNum is not restored",
-         {{"ServRec", "0"}, {"LanOnly", "1"}, {"PortNum", "7755"}}, 110, 3, false, true, false,
+         {{"ServRec", "0"}, {"LanOnly", "1"}, {"PortNum", "7755"}},
+         110,
+         3,
+         false,
+         true,
+         false,
          ""},
         {"a value other than 0 and 1 leaves its box unchecked and the chain goes on",
-         {{"ServRec", "2"}, {"LanOnly", "yes"}, {"Port", "1"}, {"PortNum", ""}}, 110, 3, false,
-         false, true, ""},
+         {{"ServRec", "2"}, {"LanOnly", "yes"}, {"Port", "1"}, {"PortNum", ""}},
+         110,
+         3,
+         false,
+         false,
+         true,
+         ""},
         {"rates", {{"TextRate", "50"}, {"MsgRate", "10"}}, 50, 10, false, false, false, ""},
         {"hand-edited rates are brought into range",
-         {{"TextRate", "5"}, {"MsgRate", "600"}}, 10, 15, false, false, false, ""},
+         {{"TextRate", "5"}, {"MsgRate", "600"}},
+         10,
+         15,
+         false,
+         false,
+         false,
+         ""},
         {"unreadable rates give the defaults",
-         {{"TextRate", "fast"}, {"MsgRate", "0"}}, 110, 3, false, false, false, ""},
+         {{"TextRate", "fast"}, {"MsgRate", "0"}},
+         110,
+         3,
+         false,
+         false,
+         false,
+         ""},
     };
     for (const StartupRow& row : rows) {
         MainWindow m;
@@ -100,7 +133,8 @@ TEST(Startup, LoadsDefaultIntoEveryControl) {
     EXPECT_FALSE(ui.MaxKills->isEnabled());
     EXPECT_TRUE(ui.MaxCaps->isEnabled());
     // The worked example of the options file is what a first run shows.
-    EXPECT_TRUE(m.Text().startsWith("#Dedicated Server Options\r\n$Name:           \"Default\"\r\n"));
+    EXPECT_TRUE(
+        m.Text().startsWith("#Dedicated Server Options\r\n$Name:           \"Default\"\r\n"));
     EXPECT_EQ(m.Text().count("\r\n"), 16);
 }
 
@@ -109,8 +143,7 @@ TEST(PortField, KeepsDigitsOnlyAndStoresThem) {
         const char* typed;
         const char* kept;
     } rows[] = {
-        {"1234", "1234"}, {"12a34", "1234"}, {"12.5", "12.5"},
-        {"abc", ""},      {"", ""},          {"7 7", "77"},
+        {"1234", "1234"}, {"12a34", "1234"}, {"12.5", "12.5"}, {"abc", ""}, {"", ""}, {"7 7", "77"},
     };
     for (const auto& row : rows) {
         MainWindow m;

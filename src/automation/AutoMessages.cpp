@@ -1,8 +1,8 @@
 #include "automation/AutoMessages.h"
 
 #include "automation/AutoMessageHost.h"
-#include "automation/Module2.h"
 #include "automation/KeySender.h"
+#include "automation/Module2.h"
 #include "platform/Beeper.h"
 #include "platform/MessageBoxes.h"
 #include "platform/RandomSource.h"

@@ -16,8 +16,7 @@ public:
                                       std::int32_t windowStyle) = 0;
 
     // Starts a whole command line whose program part may itself hold blanks.
-    virtual std::int32_t StartCommandLine(const QString& commandLine,
-                                          std::int32_t windowStyle) = 0;
+    virtual std::int32_t StartCommandLine(const QString& commandLine, std::int32_t windowStyle) = 0;
 
     // The process's current directory.
     virtual QString CurrentDirectory() = 0;

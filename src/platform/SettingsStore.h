@@ -9,12 +9,10 @@ class SettingsStore {
 public:
     virtual ~SettingsStore() = default;
 
-    virtual QString GetSetting(const QString& app, const QString& section,
-                               const QString& key) = 0;
+    virtual QString GetSetting(const QString& app, const QString& section, const QString& key) = 0;
     virtual void SaveSetting(const QString& app, const QString& section, const QString& key,
                              const QString& value) = 0;
-    virtual void DeleteSetting(const QString& app, const QString& section,
-                               const QString& key) = 0;
+    virtual void DeleteSetting(const QString& app, const QString& section, const QString& key) = 0;
     virtual void DeleteSection(const QString& app, const QString& section) = 0;
     virtual void DeleteAll(const QString& app) = 0;
 };

@@ -15,8 +15,8 @@
 namespace {
 
 void ConfigError(Hostwarden& w, const QString& text) {
-    w.services.messages.Show(
-        {text, QStringLiteral("Config Error"), MsgButtons::OK, MsgIcon::Critical, MsgDefault::First});
+    w.services.messages.Show({text, QStringLiteral("Config Error"), MsgButtons::OK,
+                              MsgIcon::Critical, MsgDefault::First});
 }
 
 } // namespace

@@ -49,8 +49,7 @@ CommandSplit SplitCommandLine(QString& commandLine, const QString& currentDir) {
 }
 
 std::int32_t StartProgram(ProcessLauncher& launcher, QString& commandLine, std::int32_t windowStyle,
-                          std::optional<QString> workingDirectory,
-                          std::int32_t* fallbackResult) {
+                          std::optional<QString> workingDirectory, std::int32_t* fallbackResult) {
     CommandSplit split = SplitCommandLine(commandLine, launcher.CurrentDirectory());
     if (workingDirectory)
         split.workingDirectory = *workingDirectory;

@@ -64,8 +64,7 @@ void Hostwarden_Form_Load(Hostwarden& w) {
     w.app.MessageRate = 3;
     ui.OPTCTF->setChecked(true);
     w.app.ServerExe = QStringLiteral("RF.EXE");
-    for (QComboBox* list :
-         {ui.TeamDamage, ui.FallDamage, ui.WeaponStay, ui.ForceSpawn, ui.Balance})
+    for (QComboBox* list : {ui.TeamDamage, ui.FallDamage, ui.WeaponStay, ui.ForceSpawn, ui.Balance})
         FillList(list, {QStringLiteral("True"), QStringLiteral("False")});
     FillList(ui.MaxPlayers, Range(2, 32));
     FillList(ui.MaxTime, Range(5, 60));

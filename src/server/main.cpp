@@ -29,8 +29,8 @@ int main(int argc, char** argv) {
         return 1;
     }
     store.setErrorHandler([&messages](const QString& message) {
-        messages.Show({message, QStringLiteral("Settings Error"), MsgButtons::OK,
-                       MsgIcon::Critical, MsgDefault::First});
+        messages.Show({message, QStringLiteral("Settings Error"), MsgButtons::OK, MsgIcon::Critical,
+                       MsgDefault::First});
     });
 
     QtBeeper beeper;

@@ -15,14 +15,19 @@ QString DefaultMessage1() {
     return QStringLiteral("Visit ") + kProjectAddress + QStringLiteral(" for updates.");
 }
 
-void CreateDefaultConfig(SettingsStore& store, const QString& app) {
-    const QString section = QStringLiteral("Default");
+namespace {
+
+// The defaults of a configuration, in the order they are written. The first-run
+// configuration writes its map count last and has no mod; a new one writes both in
+// the middle.
+void WriteDefaults(SettingsStore& store, const QString& app, const QString& section,
+                   const QString& servname, const QString& name, bool firstRun) {
     const auto put = [&](const QString& key, const QString& value) {
         store.SaveSetting(app, section, key, value);
     };
     put("gametype", "CTF");
-    put("servname", "$Me's Dedicated CTF Running Hostwarden 2.0");
-    put("name", "Default");
+    put("servname", servname);
+    put("name", name);
     put("maxplayers", "16");
     put("password", "");
     put("rconpass", "");
@@ -35,48 +40,35 @@ void CreateDefaultConfig(SettingsStore& store, const QString& app) {
     put("balance", "true");
     put("weaponstay", "false");
     put("falldamage", "true");
+    if (!firstRun)
+        put("mapcount", "0");
     put("default", "1");
+    if (!firstRun)
+        put("Mod", "");
     put("Text0", DefaultMessage0());
     put("Text1", DefaultMessage1());
     put("Text2", "");
     put("Text3", "");
     put("MessageOn", "1");
-    put("MapCount", "0");
+    if (firstRun)
+        put("MapCount", "0");
+}
+
+} // namespace
+
+void CreateDefaultConfig(SettingsStore& store, const QString& app) {
+    WriteDefaults(store, app, "Default", "$Me's Dedicated CTF Running Hostwarden 2.0", "Default",
+                  true);
     store.SaveSetting(app, "ConfName", "ConfCount", "1");
     store.SaveSetting(app, "ConfName", "Conf1", "DEFAULT");
 }
 
 void CreateNewConfig(SettingsStore& store, AppState& state) {
-    const QString& app = state.AppName;
     const QString& section = state.CurrentConf;
-    if (store.GetSetting(app, section, "default") == "1")
-        store.DeleteSection(app, section);
-    const auto put = [&](const QString& key, const QString& value) {
-        store.SaveSetting(app, section, key, value);
-    };
-    put("gametype", "CTF");
-    put("servname", "$Me's Dedicated CTF running Hostwarden 2.0");
-    put("name", section);
-    put("maxplayers", "16");
-    put("password", "");
-    put("rconpass", "");
-    put("maxtime", "30");
-    put("maxcaps", "5");
-    put("maxkills", "50");
-    put("maxgeo", "128");
-    put("teamdamage", "false");
-    put("forcespawn", "false");
-    put("balance", "true");
-    put("weaponstay", "false");
-    put("falldamage", "true");
-    put("mapcount", "0");
-    put("default", "1");
-    put("Mod", "");
-    put("Text0", DefaultMessage0());
-    put("Text1", DefaultMessage1());
-    put("Text2", "");
-    put("Text3", "");
-    put("MessageOn", "1");
+    if (store.GetSetting(state.AppName, section, "default") == "1")
+        store.DeleteSection(state.AppName, section);
+    WriteDefaults(store, state.AppName, section, "$Me's Dedicated CTF running Hostwarden 2.0",
+                  section, false);
     state.Saved = "yes";
 }
 

@@ -33,9 +33,9 @@ Hostwarden::Hostwarden(AppState& state, Services& services, QWidget* parent)
     TMRSend.setInterval(110);
     keys = std::make_unique<ModPushKeys>(services.keyboard);
     messageHost = std::make_unique<MainWindowMessageHost>(*this);
-    automation = std::make_unique<AutoMessages>(*messageHost, app, services.windows, *keys,
-                                                services.random, services.beeper,
-                                                services.messages);
+    automation =
+        std::make_unique<AutoMessages>(*messageHost, app, services.windows, *keys, services.random,
+                                       services.beeper, services.messages);
 
     Connect();
     Timer1.start();
@@ -82,8 +82,7 @@ void Hostwarden::Connect() {
     connect(ui->CMDLoad, &QAbstractButton::clicked, this, [w] { CMDLoad_Click(*w); });
     connect(ui->CMDSave, &QAbstractButton::clicked, this, [w] { CMDSave_Click(*w); });
 
-    connect(ui->CHKGameTracker, &QAbstractButton::toggled, this,
-            [w] { CHKGameTracker_Click(*w); });
+    connect(ui->CHKGameTracker, &QAbstractButton::toggled, this, [w] { CHKGameTracker_Click(*w); });
     connect(ui->CHKPort, &QAbstractButton::toggled, this, [w] { CHKPort_Click(*w); });
     connect(ui->CHKServRec, &QAbstractButton::toggled, this, [w] { CHKServRec_Click(*w); });
     connect(ui->TXTPort, &QLineEdit::textChanged, this, [w] { TXTPort_Change(*w); });

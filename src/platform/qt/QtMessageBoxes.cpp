@@ -24,10 +24,9 @@ MsgAnswer QtMessageBoxes::Show(const MessageRequest& request) {
         break;
     }
     box.setStandardButtons(second == QMessageBox::NoButton ? first : (first | second));
-    box.setDefaultButton(request.defaultButton == MsgDefault::Second &&
-                                 second != QMessageBox::NoButton
-                             ? second
-                             : first);
+    box.setDefaultButton(
+        request.defaultButton == MsgDefault::Second && second != QMessageBox::NoButton ? second
+                                                                                       : first);
     // The box belongs to no window; keep it above whatever the operator looks at.
     box.setWindowFlag(Qt::WindowStaysOnTopHint);
     switch (box.exec()) {
