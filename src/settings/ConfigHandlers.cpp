@@ -98,6 +98,11 @@ void LoadConfig(Hostwarden& w) {
             break;
         ui.LSTMaps->addItem(map);
     }
+    // Show the loaded texts from their start, not scrolled to their end.
+    for (QLineEdit* box : {ui.TXTServName, ui.TXTConfName, ui.TXTPassword, ui.TXTRconPass})
+        box->setCursorPosition(0);
+    for (QLineEdit* box : w.TXTMess)
+        box->setCursorPosition(0);
     BuildOptionsText(w);
     UpdateMapCount(w);
 }
