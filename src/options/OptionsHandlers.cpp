@@ -25,6 +25,8 @@ void BuildOptionsText(Hostwarden& w) {
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     w.ui->TXTSTat->clear();
     w.ui->TXTSTat->insertPlainText(text);
+    // The operator reads the file from its first line.
+    w.ui->TXTSTat->moveCursor(QTextCursor::Start);
 }
 
 bool Write_File(Hostwarden& w) {
