@@ -9,9 +9,8 @@ using namespace e2e;
 
 namespace {
 
-// A 15-minute interval of 30 ms seconds: 27 s, so the next batch is far off when
-// the long line (about 14 s) has been typed.
-constexpr int kSecondMs = 30;
+// A 15-minute interval of 10 ms seconds: 9 s from launch to the long line.
+constexpr int kSecondMs = 10;
 constexpr int kTextRate = 110;
 constexpr int kInterferences = 6;
 
@@ -34,6 +33,9 @@ TEST(FocusSafety, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     ASSERT_TRUE(run.ClickLaunch());
     ASSERT_TRUE(desktop.WaitForWindow(kServerTitle, TitleMatch::Exact, 20s));
     ASSERT_TRUE(WaitUntil([&] { return !run.Keys().empty(); }, 30s)) << "typing never began";
+    // The operator turns "Auto Message" off, which also keeps the next batch (due in
+    // 9 s) out of the probe below; the line being typed goes on.
+    ASSERT_TRUE(run.ClickMain(kAutoMessageBox));
 
     QTemporaryDir scratch;
     const QString other = scratch.filePath("OTHER");
@@ -42,14 +44,14 @@ TEST(FocusSafety, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     const auto otherId = desktop.WaitForWindow("other", TitleMatch::Exact, 10s);
     ASSERT_TRUE(otherId);
 
-    // Every ~15 keys, click into the other window and activate it, as an operator
-    // would, and note whether it really held the focus for a moment.
+    // Every 15 keys or so (or 2 s, should the keys stop coming), click into the other
+    // window and activate it, as an operator would, and note whether it really held
+    // the focus for a moment.
     const std::size_t lineKeys = std::size_t(4 + kLongMessage.size() + 1);
     int stolen = 0;
     for (int round = 0; round < kInterferences; ++round) {
         const std::size_t target = std::min(lineKeys - 5, run.Keys().size() + 15);
-        if (!WaitUntil([&] { return run.Keys().size() >= target; }, 10s))
-            break;
+        WaitUntil([&] { return run.Keys().size() >= target; }, 2s);
         ClickInto(desktop, *otherId, {40, 40});
         desktop.Run("xdotool", {"windowactivate", QString::number(*otherId)});
         if (desktop.ActiveWindow() == otherId || desktop.FocusedWindow() == otherId)
@@ -57,14 +59,14 @@ TEST(FocusSafety, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     }
     EXPECT_GT(stolen, 0) << "the other window never held the focus: nothing was tested";
 
-    ASSERT_TRUE(run.WaitForTranscript(1, 30s)) << "the line never ended";
+    // On failure, go on to the other window: what it caught tells where the keys went.
+    EXPECT_TRUE(run.WaitForTranscript(1, 30s)) << "the line never ended";
     EXPECT_EQ(run.Transcript(), QStringList{"say " + kLongMessage});
     const auto lines = KeyLines(run.Keys());
-    ASSERT_EQ(lines.size(), 1u);
-    EXPECT_EQ(Text(lines[0]), "say " + kLongMessage) << "keys the server saw";
-
-    // No further batch may type into the probe below.
-    ASSERT_TRUE(run.ClickMain(kAutoMessageBox));
+    EXPECT_EQ(lines.size(), 1u);
+    if (!lines.empty()) {
+        EXPECT_EQ(Text(lines[0]), "say " + kLongMessage) << "keys the server saw";
+    }
 
     // Anything typed into the other window would sit in its terminal line until a
     // line end; our own probe and its Return flush it out together.
