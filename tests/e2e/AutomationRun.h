@@ -148,13 +148,6 @@ inline qint64 Median(std::vector<qint64> values) {
     return values.empty() ? 0 : values[values.size() / 2];
 }
 
-// Clicks into a window's client area. The pointer first leaves the spot: xdotool's
-// synchronous move onto where the pointer already stands waits until it gives up.
-inline bool ClickInto(const Desktop& desktop, WindowId window, QPoint position) {
-    desktop.Run("xdotool", {"mousemove", "0", "0"});
-    return desktop.Click(window, position);
-}
-
 class AutomationRun {
 public:
     // secondMs: the program's "second" in milliseconds; nothing: a real second.
@@ -200,7 +193,7 @@ public:
 
     bool ClickLaunch() const { return ClickMain(kLaunchButton); }
 
-    bool ClickMain(QPoint position) const { return main_ && ClickInto(desktop_, main_, position); }
+    bool ClickMain(QPoint position) const { return main_ && desktop_.Click(main_, position); }
 
     QStringList Transcript() const { return ReadLines(GameFile("transcript.txt")); }
     std::vector<KeyPress> Keys() const { return ReadKeyLog(GameFile("keys.log")); }

@@ -52,7 +52,7 @@ TEST(FocusSafety, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     for (int round = 0; round < kInterferences; ++round) {
         const std::size_t target = std::min(lineKeys - 5, run.Keys().size() + 15);
         WaitUntil([&] { return run.Keys().size() >= target; }, 2s);
-        ClickInto(desktop, *otherId, {40, 40});
+        desktop.Click(*otherId, {40, 40});
         desktop.Run("xdotool", {"windowactivate", QString::number(*otherId)});
         if (desktop.ActiveWindow() == otherId || desktop.FocusedWindow() == otherId)
             ++stolen;

@@ -112,6 +112,9 @@ std::optional<QRect> Desktop::WindowGeometry(WindowId window) const {
 }
 
 bool Desktop::Click(WindowId window, QPoint position, int button) const {
+    // "mousemove --sync" waits for the pointer to move; when it already rests on the
+    // spot it would wait out the tool's whole time limit.
+    Run("xdotool", {"mousemove", "0", "0"});
     return Run("xdotool",
                {"mousemove", "--sync", "--window", Hex(window), QString::number(position.x()),
                 QString::number(position.y()), "click", QString::number(button)})
