@@ -6,6 +6,7 @@
 
 #include "Artifacts.h"
 #include "Desktop.h"
+#include "Seeds.h"
 #include "TempHome.h"
 #include "Wait.h"
 #include "XSession.h"
@@ -53,38 +54,16 @@ struct Seed {
 
 // The settings as the program's own first run leaves them, with the seed's values.
 inline QByteArray SettingsText(const QString& gameDir, const Seed& seed) {
-    QString text = "[Startup]\nHasRunSetup=1\nRFLocation=" + gameDir + "/\n";
+    LaterRun run;
+    run.rfLocation = gameDir + "/";
+    run.messages = seed.messages;
     if (!seed.textRate.isEmpty())
-        text += "TextRate=" + seed.textRate + "\n";
+        run.startup << "TextRate=" + seed.textRate;
     if (!seed.msgRate.isEmpty())
-        text += "MsgRate=" + seed.msgRate + "\n";
+        run.startup << "MsgRate=" + seed.msgRate;
     if (!seed.servRec.isEmpty())
-        text += "ServRec=" + seed.servRec + "\n";
-    text += "[Default]\n"
-            "gametype=CTF\n"
-            "servname=$Me's Dedicated CTF Running Hostwarden 2.0\n"
-            "name=Default\n"
-            "maxplayers=16\n"
-            "password=\n"
-            "rconpass=\n"
-            "maxtime=30\n"
-            "maxcaps=5\n"
-            "maxkills=50\n"
-            "maxgeo=128\n"
-            "teamdamage=false\n"
-            "forcespawn=false\n"
-            "balance=true\n"
-            "weaponstay=false\n"
-            "falldamage=true\n"
-            "default=1\n";
-    for (int k = 0; k < 4; ++k)
-        text += QStringLiteral("Text%1=%2\n").arg(k).arg(seed.messages[k]);
-    text += "MessageOn=1\n"
-            "MapCount=0\n"
-            "[ConfName]\n"
-            "ConfCount=1\n"
-            "Conf1=DEFAULT\n";
-    return text.toUtf8();
+        run.startup << "ServRec=" + seed.servRec;
+    return LaterRunSettings(run);
 }
 
 inline QByteArray ReadBytes(const QString& path) {

@@ -3,6 +3,7 @@
 #include "Desktop.h"
 #include "GameCopy.h"
 #include "Hostwarden.h"
+#include "Seeds.h"
 #include "TempHome.h"
 #include "XSession.h"
 
@@ -21,43 +22,6 @@ const QString kExitTitle = QStringLiteral("Save and exit or just exit");
 constexpr QPoint kLaunch(136 + 137 / 2, 424 + 65 / 2);
 constexpr QPoint kMinimize(696 + 81 / 2, 424 + 17 / 2);
 constexpr QPoint kExit(696 + 81 / 2, 472 + 17 / 2);
-
-// A store after its first run, the configuration list holding `listEntry` for the
-// first-run section "Default", in the program's own file layout.
-QByteArray LaterRunSettings(const QString& gameDir, const QString& listEntry) {
-    return "[Startup]\n"
-           "HasRunSetup=1\n"
-           "RFLocation=" +
-           gameDir.toUtf8() +
-           "\n\n"
-           "[Default]\n"
-           "gametype=CTF\n"
-           "servname=$Me's Dedicated CTF Running Hostwarden 2.0\n"
-           "name=Default\n"
-           "maxplayers=16\n"
-           "password=\n"
-           "rconpass=\n"
-           "maxtime=30\n"
-           "maxcaps=5\n"
-           "maxkills=50\n"
-           "maxgeo=128\n"
-           "teamdamage=false\n"
-           "forcespawn=false\n"
-           "balance=true\n"
-           "weaponstay=false\n"
-           "falldamage=true\n"
-           "default=1\n"
-           "Text0=This Dedicated Server is running with Hostwarden 2.0 by Velloquin\n"
-           "Text1=Visit us for updates.\n"
-           "Text2=\n"
-           "Text3=\n"
-           "MessageOn=1\n"
-           "MapCount=0\n\n"
-           "[ConfName]\n"
-           "ConfCount=1\n"
-           "Conf1=" +
-           listEntry.toUtf8() + "\n";
-}
 
 // What the options text shows for the first-run configuration.
 QByteArray FirstRunOptionsFile() {
@@ -82,7 +46,10 @@ QByteArray FirstRunOptionsFile() {
 class LaunchTest : public testing::Test {
 protected:
     void Start(const QString& listEntry, const QString& logName) {
-        home_.WriteSettings(kHostwardenApp, LaterRunSettings(game_.GameDir(), listEntry));
+        LaterRun run;
+        run.rfLocation = game_.GameDir();
+        run.listEntry = listEntry;
+        home_.WriteSettings(kHostwardenApp, LaterRunSettings(run));
         hostwarden_ = StartHostwarden(session_, home_, logName);
         main_ = desktop_.WaitForWindow(kMainWindowTitle, TitleMatch::Exact, 20s).value_or(0);
         ASSERT_NE(main_, 0u) << "no main window; windows: "
