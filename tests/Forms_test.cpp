@@ -252,6 +252,10 @@ QList<QWidget*> controlsOf(QWidget* window) {
     return window->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
 }
 
+void PrintTo(const FormSpec& f, std::ostream* os) {
+    *os << f.name;
+}
+
 class Forms : public testing::TestWithParam<FormSpec> {};
 
 TEST_P(Forms, EveryControlHasItsKindPlaceCaptionAndState) {
