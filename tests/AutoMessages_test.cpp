@@ -27,24 +27,15 @@ public:
     void EnableSendTimer(bool enabled) override { sendTimer = enabled; }
     void EnableServRec(bool enabled) override { servRecEnabled = enabled; }
     void UncheckServRec() override { servRecChecked = false; }
-    void Launch() override {
-        ++launches;
-        if (onLaunch)
-            onLaunch();
-    }
+    void Launch() override { ++launches, onLaunch(); }
     int TypistIntervalMs() override { return interval; }
 
-    bool messageChecked = true;
-    bool randomChecked = false;
-    bool servRecChecked = false;
-    bool servRecEnabled = true;
+    bool messageChecked = true, randomChecked = false, servRecChecked = false;
+    bool servRecEnabled = true, addsTimer = false, sendTimer = false;
     QString texts[4];
     QStringList captions;
-    bool addsTimer = false;
-    bool sendTimer = false;
-    int launches = 0;
-    std::function<void()> onLaunch;
-    int interval = 110;
+    int launches = 0, interval = 110;
+    std::function<void()> onLaunch = [] {};
 };
 
 const MessageRequest kServerError{
@@ -52,9 +43,9 @@ const MessageRequest kServerError{
     "server is running and try again",
     "Server Error", MsgButtons::OK, MsgIcon::None, MsgDefault::First};
 
-class AutoMessagesTest : public ::testing::Test {
-public:
-    void SetUp() override {
+// Everything one run needs; a table row builds a fresh one.
+struct Rig {
+    Rig() {
         state.MessageRate = 3;
         server = windows.Add(kServerTitle);
         am.ServerHandle = 42;
@@ -68,14 +59,16 @@ public:
         for (int i = 0; i < ticks; ++i)
             am.TMRSend_Timer();
     }
-    // Runs the typist until it falls idle; returns the number of ticks.
-    int TypeLine() {
-        int ticks = 0;
-        while (am.TMRSendEnabled() && ticks < 10000) {
+    void TypeLine() {
+        for (int i = 0; i < 10000 && am.TMRSendEnabled(); ++i)
             am.TMRSend_Timer();
-            ++ticks;
-        }
-        return ticks;
+    }
+    // Fills the first boxes, checks "Auto Message" and runs one whole interval.
+    void QueueBatch(const QStringList& texts) {
+        for (int k = 0; k < texts.size(); ++k)
+            host.texts[k] = texts[k];
+        am.CHKMessage_Click(true);
+        Countdown(180);
     }
     QString Typed() const { return keys.pushed.join(QString()); }
     void ExpectIdleTypist() {
@@ -96,264 +89,157 @@ public:
     WindowHandle server = 0;
 };
 
-TEST_F(AutoMessagesTest, CountdownQueuesNonEmptyBoxesInOrderEveryInterval) {
+class AutoMessagesTest : public Rig, public ::testing::Test {};
+
+TEST_F(AutoMessagesTest, CountdownQueuesNonEmptyBoxesInOrderEveryIntervalUntilUnchecked) {
     host.texts[0] = "first";
     host.texts[2] = "third";
+    host.servRecChecked = true;
     am.CHKMessage_Click(true);
     EXPECT_TRUE(host.addsTimer);
 
     Countdown(179);
     EXPECT_TRUE(am.LSTBuff.isEmpty());
     EXPECT_EQ(host.captions.first(), "Next Auto Message due in 179 seconds.");
-    EXPECT_EQ(host.captions.last(), "Next Auto Message due in 1 seconds.");
-
     Countdown(1);
     EXPECT_EQ(host.captions.last(), "Next Auto Message due in 0 seconds.");
     EXPECT_EQ(am.LSTBuff, QStringList({"first", "third"}));
-    EXPECT_EQ(am.AddsSeconds, 0);
 
     Countdown(180);
     EXPECT_EQ(host.captions.size(), 360);
     EXPECT_EQ(host.captions[180], "Next Auto Message due in 179 seconds.");
     EXPECT_EQ(am.LSTBuff, QStringList({"first", "third", "first", "third"}));
-}
 
-TEST_F(AutoMessagesTest, CountdownStandsStillWhenNothingIsToBeSent) {
-    struct Row {
-        const char* name;
-        std::function<void(AutoMessagesTest&)> arrange;
-    };
-    const Row rows[] = {
-        {"all boxes empty", [](AutoMessagesTest&) {}},
-        {"auto message unchecked",
-         [](AutoMessagesTest& t) {
-             t.host.texts[1] = "x";
-             t.host.messageChecked = false;
-         }},
-        {"countdown stopped",
-         [](AutoMessagesTest& t) {
-             t.host.texts[1] = "x";
-             t.am.SetTMRAddsEnabled(false);
-         }},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        host = FakeHost{};
-        am.AddsSeconds = 17;
-        am.SetTMRAddsEnabled(true);
-        row.arrange(*this);
-        Countdown(500);
-        EXPECT_EQ(am.AddsSeconds, 17);
-        EXPECT_TRUE(host.captions.isEmpty());
-        EXPECT_TRUE(am.LSTBuff.isEmpty());
-    }
-}
-
-TEST_F(AutoMessagesTest, CountdownResumesWhereItStoodAfterOffAndOn) {
-    host.texts[3] = "m";
-    am.CHKMessage_Click(true);
+    // Unchecking "Auto Message" stops the countdown where it stands; the queue is still typed.
+    am.Timer1_Timer();
     Countdown(100);
-    am.CHKMessage_Click(false);
-    Countdown(30);
-    am.CHKMessage_Click(true);
-    Countdown(1);
-    EXPECT_EQ(host.captions.last(), "Next Auto Message due in 79 seconds.");
-}
-
-TEST_F(AutoMessagesTest, TypesTheChatCommandOneCharacterPerTick) {
-    am.QueueMessage("hello");
-    am.Timer1_Timer();
-    EXPECT_EQ(am.PendingLine, "say hello~");
-    EXPECT_TRUE(host.sendTimer);
-    EXPECT_TRUE(am.LSTBuff.isEmpty());
-
-    Typist(10);
-    EXPECT_EQ(keys.pushed, QStringList({"s", "a", "y", " ", "h", "e", "l", "l", "o", "~"}));
-    EXPECT_EQ(windows.activations.size(), 10) << "the console is activated before each key";
-    EXPECT_TRUE(am.TMRSendEnabled());
-
-    Typist(1);
-    EXPECT_EQ(keys.pushed.size(), 10);
-    ExpectIdleTypist();
-}
-
-TEST_F(AutoMessagesTest, TildeInsideAMessageIsTypedAsItsOwnKey) {
-    am.QueueMessage("gg~bye");
-    am.Timer1_Timer();
-    EXPECT_EQ(TypeLine(), 12);
-    EXPECT_EQ(keys.pushed.size(), 11);
-    EXPECT_EQ(keys.pushed[6], "~");
-    EXPECT_EQ(Typed(), "say gg~bye~");
-}
-
-TEST_F(AutoMessagesTest, DispatcherHandsTheNextMessageOnlyWhenTheTypistIsIdle) {
-    am.QueueMessage("a");
-    am.QueueMessage("b");
-    am.Timer1_Timer();
-    EXPECT_EQ(am.PendingLine, "say a~");
-
-    Typist(6); // "say a~" is 6 characters: all typed, line not yet closed
-    am.Timer1_Timer();
-    EXPECT_EQ(am.PendingLine, "say a~");
-    EXPECT_EQ(am.LSTBuff, QStringList({"b"}));
-
-    Typist(1);
-    ExpectIdleTypist();
-    am.Timer1_Timer();
-    EXPECT_EQ(am.PendingLine, "say b~");
-    EXPECT_TRUE(am.LSTBuff.isEmpty());
-    TypeLine();
-    EXPECT_EQ(Typed(), "say a~say b~");
-}
-
-TEST_F(AutoMessagesTest, RandomPicksOneNonEmptyBoxFromTheGenerator) {
-    struct Row {
-        const char* name;
-        QStringList texts;
-        QList<double> script;
-        QString expected;
-    };
-    const Row rows[] = {
-        {"0.0 is box 0", {"a", "b", "c", "d"}, {0.0}, "a"},
-        {"0.24 is box 0", {"a", "b", "c", "d"}, {0.24}, "a"},
-        {"0.25 is box 1", {"a", "b", "c", "d"}, {0.25}, "b"},
-        {"0.5 is box 2", {"a", "b", "c", "d"}, {0.5}, "c"},
-        {"0.9999 is box 3", {"a", "b", "c", "d"}, {0.9999}, "d"},
-        {"empty boxes are drawn again", {"", "", "c", ""}, {0.1, 0.3, 0.8, 0.6}, "c"},
-        {"only box 3 filled", {"", "", "", "d"}, {0.0, 0.25, 0.5, 0.75}, "d"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        host = FakeHost{};
-        host.randomChecked = true;
-        for (int k = 0; k < 4; ++k)
-            host.texts[k] = row.texts[k];
-        random.script = row.script;
-        am.LSTBuff.clear();
-        am.AddsSeconds = 0;
-        am.SetTMRAddsEnabled(true);
-        Countdown(180);
-        EXPECT_EQ(am.LSTBuff, QStringList({row.expected}));
-        EXPECT_TRUE(random.script.isEmpty()) << "every drawn number is used";
-    }
-}
-
-TEST_F(AutoMessagesTest, RandomWithOnlyTheLastBoxFilledAlwaysPicksIt) {
-    host.randomChecked = true;
-    host.texts[3] = "only";
-    am.SetTMRAddsEnabled(true);
-    Countdown(180 * 20);
-    EXPECT_EQ(am.LSTBuff, QStringList(20, "only"));
-}
-
-TEST_F(AutoMessagesTest, UncheckingAutoMessageStopsTheCountdownButNotTheTypist) {
-    host.texts[0] = "one";
-    host.texts[1] = "two";
-    host.servRecChecked = true;
-    am.CHKMessage_Click(true);
-    Countdown(180);
-    am.Timer1_Timer();
     Typist(3);
 
-    host.messageChecked = false;
     am.CHKMessage_Click(false);
     EXPECT_FALSE(am.TMRAddsEnabled());
     EXPECT_FALSE(host.addsTimer);
     EXPECT_FALSE(host.servRecEnabled);
     EXPECT_FALSE(host.servRecChecked);
-    EXPECT_TRUE(am.TMRSendEnabled());
-
     TypeLine();
     am.Timer1_Timer();
     TypeLine();
-    EXPECT_EQ(Typed(), "say one~say two~");
-
-    const int captions = host.captions.size();
-    Countdown(600);
-    EXPECT_EQ(host.captions.size(), captions);
+    EXPECT_EQ(Typed(), "say first~say third~");
 
     am.CHKMessage_Click(true);
     EXPECT_TRUE(host.servRecEnabled);
     EXPECT_FALSE(host.servRecChecked) << "re-enabling does not check the box again";
+    Countdown(1);
+    EXPECT_EQ(host.captions.last(), "Next Auto Message due in 79 seconds.");
 }
 
-TEST_F(AutoMessagesTest, WithoutALaunchedServerLinesAreUsedUpSilently) {
-    am.ServerHandle = 0;
-    am.QueueMessage("hi");
-    am.QueueMessage("yo");
-    am.Timer1_Timer();
-    Typist(3);
-    EXPECT_EQ(am.SendPos, 3);
-    EXPECT_EQ(TypeLine(), 5); // "say hi~" takes 7 + 1 ticks in all
-    am.Timer1_Timer();
-    EXPECT_EQ(am.PendingLine, "say yo~");
-    TypeLine();
-
-    EXPECT_TRUE(keys.pushed.isEmpty());
-    EXPECT_TRUE(windows.activations.isEmpty());
-    EXPECT_TRUE(boxes.shown.isEmpty());
-    ExpectIdleTypist();
+TEST_F(AutoMessagesTest, CountdownStandsStillWhenNothingIsToBeSent) {
+    const std::tuple<const char*, bool, bool, bool> rows[] = {
+        {"all boxes empty", false, true, true},
+        {"auto message unchecked", true, false, true},
+        {"countdown stopped", true, true, false}};
+    for (const auto& [name, text, checked, running] : rows) {
+        SCOPED_TRACE(name);
+        Rig t;
+        t.host.texts[1] = text ? "x" : "";
+        t.host.messageChecked = checked;
+        t.am.AddsSeconds = 17;
+        t.am.SetTMRAddsEnabled(running);
+        t.Countdown(500);
+        EXPECT_EQ(t.am.AddsSeconds, 17);
+        EXPECT_TRUE(t.host.captions.isEmpty());
+        EXPECT_TRUE(t.am.LSTBuff.isEmpty());
+    }
 }
 
-// Any failure of the typing step resets everything and, with recovery off, tells the
-// operator once.
-TEST_F(AutoMessagesTest, TypingFailureWithoutRecoveryStopsEverythingAndTellsTheOperator) {
-    struct Row {
-        const char* name;
-        std::function<void(AutoMessagesTest&)> arrange;
-        int typedBeforeFailure;
-    };
-    const Row rows[] = {
-        {"console closed before the line", [](AutoMessagesTest& t) { t.windows.Remove(t.server); },
-         0},
-        {"console closed mid-line",
-         [](AutoMessagesTest& t) {
-             t.keys.thrower = [&t](const QString&) {
-                 if (t.keys.pushed.size() == 2)
-                     t.windows.Remove(t.server);
-             };
-         },
-         3},
-        {"key cannot be sent", [](AutoMessagesTest& t) { t.keys.failOnCall = 1; }, 0},
-        {"other exception from the sender",
-         [](AutoMessagesTest& t) {
-             t.keys.thrower = [](const QString&) { throw std::runtime_error("display gone"); };
-         },
-         0},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        windows.windows.clear();
-        server = windows.Add(kServerTitle);
-        keys = RecordingKeySender{};
-        boxes.shown.clear();
-        host.texts[0] = "first";
-        host.texts[1] = "second";
-        am.ServerHandle = 42;
-        am.AddsSeconds = 0;
-        am.CHKMessage_Click(true);
-        Countdown(180);
-        am.Timer1_Timer();
-        row.arrange(*this);
+// A tilde inside a message is typed as its own key, not taken for the end of the line.
+// Without a launched server each position is used up without typing.
+TEST_F(AutoMessagesTest, TypesOneLineAtATimeOneCharacterPerTickAfterActivating) {
+    for (const auto& [message, launched] :
+         {std::pair<QString, bool>{"hello", true}, {"gg~bye", true}, {"hi", false}}) {
+        SCOPED_TRACE(message.toStdString());
+        Rig t;
+        const QString line = "say " + message + "~";
+        t.am.ServerHandle = launched ? 42 : 0;
+        t.am.QueueMessage(message);
+        t.am.QueueMessage("b");
+        t.am.Timer1_Timer();
+        EXPECT_TRUE(t.host.sendTimer);
+        t.Typist(line.size());
+        t.am.Timer1_Timer();
+        EXPECT_EQ(t.am.PendingLine, line) << "no new line while one is typed";
+        EXPECT_EQ(t.am.LSTBuff, QStringList({"b"}));
+        EXPECT_EQ(t.keys.pushed,
+                  launched ? line.split(QString(), Qt::SkipEmptyParts) : QStringList());
+        EXPECT_EQ(t.windows.activations.size(), launched ? line.size() : 0);
 
-        TypeLine();
-        am.Timer1_Timer();
-        TypeLine();
+        t.Typist(1);
+        t.ExpectIdleTypist();
+        t.am.Timer1_Timer();
+        EXPECT_EQ(t.am.PendingLine, "say b~");
+        EXPECT_TRUE(t.am.LSTBuff.isEmpty());
+        t.TypeLine();
+        EXPECT_EQ(t.Typed(), launched ? line + "say b~" : "");
+        EXPECT_TRUE(t.boxes.shown.isEmpty());
+    }
+}
 
-        EXPECT_EQ(keys.pushed.size(), row.typedBeforeFailure);
-        EXPECT_EQ(boxes.shown, QList<MessageRequest>({kServerError}));
-        EXPECT_TRUE(am.LSTBuff.isEmpty());
-        EXPECT_FALSE(am.TMRAddsEnabled());
-        EXPECT_FALSE(host.addsTimer);
-        EXPECT_EQ(am.ServerHandle, 0u);
-        ExpectIdleTypist();
-        EXPECT_EQ(host.launches, 0);
-        EXPECT_EQ(beeper.beeps, 0);
+TEST_F(AutoMessagesTest, RandomPicksOneNonEmptyBoxFromTheGenerator) {
+    // One interval for each expected pick.
+    const std::tuple<QStringList, QList<double>, QStringList> rows[] = {
+        {{"a", "b", "c", "d"}, {0.0, 0.24, 0.25, 0.5, 0.9999}, {"a", "a", "b", "c", "d"}},
+        {{"", "", "c", ""}, {0.1, 0.3, 0.8, 0.6}, {"c"}},
+        {{"", "", "", "d"}, {0.0, 0.25, 0.5, 0.75}, {"d"}},
+        {{"", "", "", "d"}, QList<double>(20, 0.1) << 0.9, {"d"}}};
+    for (const auto& [texts, script, expected] : rows) {
+        SCOPED_TRACE(texts.join('|').toStdString());
+        Rig t;
+        t.host.randomChecked = true;
+        t.random.script = script;
+        t.QueueBatch(texts);
+        t.Countdown(180 * (expected.size() - 1));
+        EXPECT_EQ(t.am.LSTBuff, expected);
+        EXPECT_TRUE(t.random.script.isEmpty()) << "every drawn number is used";
+    }
+}
+
+// Any failure of the typing step resets everything, then relaunches (here in vain) or
+// tells the operator once.
+TEST_F(AutoMessagesTest, TypingFailureStopsEverythingAndRelaunchesOrTellsTheOperator) {
+    enum Failure { ConsoleClosed, KeyRefused, SenderThrows };
+    const std::pair<Failure, int> rows[] = {
+        {ConsoleClosed, 0}, {ConsoleClosed, 3}, {KeyRefused, 0}, {SenderThrows, 0}};
+    for (const bool recover : {false, true}) {
+        for (const auto& [failure, typedFirst] : rows) {
+            SCOPED_TRACE(testing::Message()
+                         << failure << " after " << typedFirst << ", " << recover);
+            Rig t;
+            t.host.servRecChecked = recover;
+            t.QueueBatch({"first", "second"});
+            t.am.Timer1_Timer();
+            t.Typist(typedFirst);
+            if (failure == ConsoleClosed)
+                t.windows.Remove(t.server);
+            t.keys.failOnCall = failure == KeyRefused ? 1 : 0;
+            if (failure == SenderThrows)
+                t.keys.thrower = [](const QString&) { throw std::runtime_error("display gone"); };
+            t.TypeLine();
+            t.am.Timer1_Timer();
+            t.TypeLine();
+
+            EXPECT_EQ(t.keys.pushed.size(), typedFirst);
+            EXPECT_EQ(t.boxes.shown, recover ? QList<MessageRequest>{} : QList{kServerError});
+            EXPECT_EQ(t.host.launches, recover ? 1 : 0);
+            EXPECT_EQ(t.beeper.beeps, recover ? 1 : 0);
+            EXPECT_TRUE(t.am.LSTBuff.isEmpty());
+            EXPECT_FALSE(t.am.TMRAddsEnabled());
+            EXPECT_FALSE(t.host.addsTimer);
+            EXPECT_EQ(t.am.ServerHandle, 0u);
+            t.ExpectIdleTypist();
+        }
     }
 }
 
 TEST_F(AutoMessagesTest, RecoveryRelaunchesThenBeepsAndKeepsTheCountdown) {
-    host.texts[0] = "welcome";
     host.servRecChecked = true;
     int beepsAtLaunch = -1;
     host.onLaunch = [&] {
@@ -362,109 +248,55 @@ TEST_F(AutoMessagesTest, RecoveryRelaunchesThenBeepsAndKeepsTheCountdown) {
         am.ServerHandle = 77;
         am.SetTMRAddsEnabled(true);
     };
-    am.CHKMessage_Click(true);
-    Countdown(180);
+    QueueBatch({"welcome"});
     am.Timer1_Timer();
     Countdown(5);
     Typist(2);
     windows.Remove(server);
-    am.QueueMessage("queued");
-
     Typist(1);
-    EXPECT_EQ(host.launches, 1);
     EXPECT_EQ(beepsAtLaunch, 0);
     EXPECT_EQ(beeper.beeps, 1);
-    EXPECT_TRUE(boxes.shown.isEmpty());
-    EXPECT_TRUE(am.LSTBuff.isEmpty()) << "queued messages are dropped, not retried";
-    ExpectIdleTypist();
-    EXPECT_EQ(am.AddsSeconds, 5);
     EXPECT_TRUE(host.addsTimer);
 
     Countdown(174);
-    EXPECT_TRUE(am.LSTBuff.isEmpty());
+    EXPECT_TRUE(am.LSTBuff.isEmpty()) << "the countdown keeps its 5 seconds";
     Countdown(1);
     am.Timer1_Timer();
     TypeLine();
-    EXPECT_EQ(Typed(), "sa"
-                       "say welcome~");
-}
-
-TEST_F(AutoMessagesTest, FailedRelaunchStillBeepsAndLeavesMessagesStopped) {
-    host.texts[0] = "x";
-    host.servRecChecked = true;
-    am.CHKMessage_Click(true);
-    am.QueueMessage("x");
-    am.Timer1_Timer();
-    windows.Remove(server);
-    Typist(1);
-
-    EXPECT_EQ(host.launches, 1);
-    EXPECT_EQ(beeper.beeps, 1);
-    EXPECT_EQ(am.ServerHandle, 0u);
-    EXPECT_FALSE(am.TMRAddsEnabled());
-    Countdown(400);
-    EXPECT_TRUE(am.LSTBuff.isEmpty());
+    EXPECT_EQ(Typed(), "sa" + QString("say welcome~"));
 }
 
 // Decision: a console that exists but does not get the input focus is not a lost
 // server. The character waits (typing it would send it to whatever window has the
 // focus); after 10 seconds of waiting in a row the line is dropped without recovery.
-TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSeconds) {
-    struct Row {
-        int interval;
-        int ticksToDrop;
-    };
-    for (const Row row : {Row{100, 100}, Row{110, 91}, Row{210, 48}, Row{10, 1000}}) {
-        SCOPED_TRACE(row.interval);
-        keys = RecordingKeySender{};
-        am.LSTBuff.clear();
-        host.interval = row.interval;
-        windows.focusStolen = false;
-        am.SetTMRAddsEnabled(true);
-        am.QueueMessage("lost");
-        am.QueueMessage("next");
-        am.Timer1_Timer();
-        Typist(2);
-        windows.focusStolen = true;
+TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow) {
+    const std::pair<int, int> rows[] = {{100, 100}, {110, 91}, {210, 48}, {10, 1000}};
+    for (const auto& [interval, ticksToDrop] : rows) {
+        SCOPED_TRACE(interval);
+        Rig t;
+        t.host.interval = interval;
+        t.am.SetTMRAddsEnabled(true);
+        t.am.QueueMessage("lost");
+        t.am.QueueMessage("next");
+        t.am.Timer1_Timer();
+        t.Typist(2);
+        for (const bool stolen : {true, false, true}) { // one key between two long waits
+            t.windows.focusStolen = stolen;
+            t.Typist(stolen ? ticksToDrop - 1 : 1);
+        }
+        EXPECT_EQ(t.keys.pushed, QStringList({"s", "a", "y"}));
+        EXPECT_TRUE(t.am.TMRSendEnabled());
+        t.Typist(1);
+        t.ExpectIdleTypist();
+        EXPECT_EQ(t.host.launches, 0);
+        EXPECT_TRUE(t.boxes.shown.isEmpty());
+        EXPECT_TRUE(t.am.TMRAddsEnabled());
 
-        Typist(row.ticksToDrop - 1);
-        EXPECT_EQ(keys.pushed, QStringList({"s", "a"}));
-        EXPECT_EQ(am.SendPos, 2);
-        EXPECT_EQ(am.PendingLine, "say lost~");
-        EXPECT_TRUE(am.TMRSendEnabled());
-
-        Typist(1);
-        ExpectIdleTypist();
-        EXPECT_EQ(host.launches, 0);
-        EXPECT_TRUE(boxes.shown.isEmpty());
-        EXPECT_EQ(am.ServerHandle, 42u);
-        EXPECT_TRUE(am.TMRAddsEnabled());
-
-        windows.focusStolen = false;
-        am.Timer1_Timer();
-        TypeLine();
-        EXPECT_EQ(Typed(), "sa"
-                           "say next~");
+        t.windows.focusStolen = false;
+        t.am.Timer1_Timer();
+        t.TypeLine();
+        EXPECT_EQ(t.Typed(), "say" + QString("say next~"));
     }
-}
-
-TEST_F(AutoMessagesTest, ShortStolenFocusDelaysTheLineButLosesNothing) {
-    host.interval = 100;
-    am.QueueMessage("hello");
-    am.Timer1_Timer();
-    Typist(3);
-    windows.focusStolen = true;
-    Typist(60);
-    windows.focusStolen = false;
-    Typist(1);
-    windows.focusStolen = true;
-    Typist(60); // 12 s stolen in all, but never 10 s in a row
-    windows.focusStolen = false;
-    TypeLine();
-
-    EXPECT_EQ(keys.pushed, QStringList({"s", "a", "y", " ", "h", "e", "l", "l", "o", "~"}));
-    EXPECT_TRUE(boxes.shown.isEmpty());
-    ExpectIdleTypist();
 }
 
 } // namespace

@@ -12,7 +12,7 @@ namespace {
 // Expected events, written as a comma-separated script:
 //   "Shift down" / "Ctrl up" / ...   the modifier key with its own scan code
 //   "tap a"       the key that types the character (the word "space" for a blank)
-//   "tap vk37"    virtual key 37 with its scan code
+//   "tap vk37"    virtual key 37 with its scan code ("tap vk37/0": with scan code 0)
 //   "pause 2000"  a pause in milliseconds
 //   " x3" after a tap repeats it
 QList<KeyAction> Expand(const QString& script) {
@@ -38,8 +38,10 @@ QList<KeyAction> Expand(const QString& script) {
             std::uint8_t vk = 0;
             std::uint8_t scan = 0;
             if (arg.startsWith("vk") && arg.size() > 2) {
-                vk = static_cast<std::uint8_t>(arg.mid(2).toUInt());
-                scan = static_cast<std::uint8_t>(UsLayout::MapVirtualKey(vk));
+                const QStringList codes = arg.mid(2).split('/');
+                vk = static_cast<std::uint8_t>(codes[0].toUInt());
+                scan = static_cast<std::uint8_t>(codes.size() > 1 ? codes[1].toUInt()
+                                                                  : UsLayout::MapVirtualKey(vk));
             } else {
                 const auto ch = static_cast<std::uint8_t>(arg == "space" ? ' ' : arg[0].unicode());
                 vk = static_cast<std::uint8_t>(UsLayout::VkKeyScan(ch));
@@ -60,11 +62,11 @@ std::string Events(const QList<KeyAction>& actions) {
     return Describe(actions).toStdString();
 }
 
-QList<KeyAction> Typed(const QString& keys) {
+void ExpectTyped(const QString& keys, const QString& expected) {
     RecordingKeyboard keyboard;
-    ModPushKeys sender(keyboard);
-    sender.PushKeys(keys);
-    return keyboard.actions;
+    ModPushKeys(keyboard).PushKeys(keys);
+    EXPECT_EQ(Events(keyboard.actions), Events(Expand(expected)))
+        << "sequence: " << keys.toStdString();
 }
 
 struct Row {
@@ -130,79 +132,32 @@ TEST(ModPushKeys, TypesEachSequenceAsItsKeyEvents) {
         {"{F25}", kShifted.arg('F') + ", tap 2, tap 5"},
         {"say hi~", "tap s, tap a, tap y, tap space, tap h, tap i, tap vk13"},
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(Events(Typed(QString::fromUtf8(row.keys))), Events(Expand(row.expected)))
-            << "sequence: " << row.keys;
-    }
+    for (const Row& row : rows)
+        ExpectTyped(QString::fromUtf8(row.keys), row.expected);
 }
 
 TEST(ModPushKeys, KnowsEveryKeyNameAndAlias) {
-    struct Name {
-        QString name;
-        int vk;
-    };
-    QList<Name> names = {
-        {"BACKSPACE", 8},
-        {"BS", 8},
-        {"BKSP", 8},
-        {"BELL", 7},
-        {"BREAK", 3},
-        {"CAPSLOCK", 20},
-        {"CAPS", 20},
-        {"DELETE", 46},
-        {"DEL", 46},
-        {"DOWN", 40},
-        {"END", 35},
-        {"ENTER", 13},
-        {"RETURN", 13},
-        {"ESCAPE", 27},
-        {"ESC", 27},
-        {"FORMFEED", 12},
-        {"FF", 12},
-        {"HELP", 47},
-        {"HOME", 36},
-        {"INSERT", 45},
-        {"INS", 45},
-        {"LEFT", 37},
-        {"LINEFEED", 10},
-        {"LF", 10},
-        {"NUMLOCK", 144},
-        {"PGDN", 34},
-        {"PAGEDOWN", 34},
-        {"NEXT", 34},
-        {"PGUP", 33},
-        {"PAGEUP", 33},
-        {"PRIOR", 33},
-        {"PRINTSCREEN", 42},
-        {"PRTSC", 42},
-        {"RIGHT", 39},
-        {"SCROLLLOCK", 145},
-        {"SCRLK", 145},
-        {"TAB", 9},
-        {"UP", 38},
-        {"NUMPADMULTIPLY", 106},
-        {"NUMPAD*", 106},
-        {"NUMPADADD", 107},
-        {"NUMPAD+", 107},
-        {"NUMPADSUBTRACT", 109},
-        {"NUMPAD-", 109},
-        {"NUMPADDECIMAL", 110},
-        {"NUMPAD.", 110},
-        {"NUMPADDIVIDE", 111},
-        {"NUMPAD/", 111},
-    };
+    // Each group: the names of one virtual key, then its number.
+    QString groups = QStringLiteral(
+        "BACKSPACE BS BKSP 8; BELL 7; BREAK 3; CAPSLOCK CAPS 20; DELETE DEL 46; DOWN 40; END 35; "
+        "ENTER RETURN 13; ESCAPE ESC 27; FORMFEED FF 12; HELP 47; HOME 36; INSERT INS 45; LEFT 37; "
+        "LINEFEED LF 10; NUMLOCK 144; PGDN PAGEDOWN NEXT 34; PGUP PAGEUP PRIOR 33; "
+        "PRINTSCREEN PRTSC 42; RIGHT 39; SCROLLLOCK SCRLK 145; TAB 9; UP 38; "
+        "NUMPADMULTIPLY NUMPAD* 106; NUMPADADD NUMPAD+ 107; NUMPADSUBTRACT NUMPAD- 109; "
+        "NUMPADDECIMAL NUMPAD. 110; NUMPADDIVIDE NUMPAD/ 111");
     for (int k = 1; k <= 24; ++k)
-        names.append({QString("F%1").arg(k), 111 + k});
+        groups += QString("; F%1 %2").arg(k).arg(111 + k);
     for (int k = 0; k <= 9; ++k)
-        names.append({QString("numpad%1").arg(k), 96 + k});
-    for (const Name& n : names) {
-        const QString expected = QString("tap vk%1").arg(n.vk);
-        EXPECT_EQ(Events(Typed("{" + n.name + "}")), Events(Expand(expected)))
-            << n.name.toStdString();
-        EXPECT_EQ(Events(Typed("{" + n.name.toLower() + " 2}")), Events(Expand(expected + " x2")))
-            << n.name.toStdString();
+        groups += QString("; numpad%1 %2").arg(k).arg(96 + k);
+    for (const QString& group : groups.split(';')) {
+        QStringList names = group.simplified().split(' ');
+        const QString vk = names.takeLast();
+        for (const QString& name : names) {
+            ExpectTyped("{" + name + "}", "tap vk" + vk);
+            ExpectTyped("{" + name.toLower() + " 2}", "tap vk" + vk + " x2");
+        }
     }
-    EXPECT_EQ(Events(Typed("{NL}")), Events(Expand("tap vk13, tap vk10")));
+    ExpectTyped("{NL}", "tap vk13, tap vk10");
 }
 
 TEST(ModPushKeys, PushCharIgnoresTheShiftTheLayoutAsksFor) {
@@ -210,29 +165,7 @@ TEST(ModPushKeys, PushCharIgnoresTheShiftTheLayoutAsksFor) {
     ModPushKeys sender(keyboard);
     sender.PushChar("A");
     sender.TapKey(115, 62);
-    const QList<KeyAction> expected = {{KeyAction::Down, 65, 30, 0},
-                                       {KeyAction::Up, 65, 30, 0},
-                                       {KeyAction::Down, 115, 62, 0},
-                                       {KeyAction::Up, 115, 62, 0}};
-    EXPECT_EQ(keyboard.actions, expected);
-}
-
-// Nested sequences keep the modifiers their group holds, so a Shift group stays shifted.
-TEST(ModPushKeys, NestedSequencesKeepTheGroupsModifiers) {
-    EXPECT_EQ(Events(Typed("+(Ab)")), Events(Expand("Shift down, tap A, tap B, Shift up")));
-    EXPECT_EQ(Events(Typed("+{Ab}")), Events(Expand("Shift down, tap A, tap B, Shift up")));
-    EXPECT_EQ(Events(Typed("^(A)")),
-              Events(Expand("Ctrl down, Shift down, tap A, Shift up, Ctrl up")));
-
-    RecordingKeyboard keyboard;
-    ModPushKeys sender(keyboard);
-    sender.ShiftHeld = -1; // left over from an earlier call: a new sequence starts clean
-    sender.PushKeys("+(a)!");
-    EXPECT_EQ(Events(keyboard.actions),
-              Events(Expand("Shift down, tap a, Shift up, Shift down, tap 1, Shift up")));
-    EXPECT_EQ(sender.ShiftHeld, 0);
-    EXPECT_EQ(sender.CtrlHeld, 0);
-    EXPECT_EQ(sender.AltHeld, 0);
+    EXPECT_EQ(Events(keyboard.actions), Events(Expand("tap vk65/30, tap vk115/62")));
 }
 
 TEST(ModPushKeys, LeftOpenChoices) {
@@ -254,74 +187,64 @@ TEST(ModPushKeys, LeftOpenChoices) {
         {"{x 32767.6}", "tap x"},
         {"{x 0x3}", "tap x"},
         {"{x 1,5}", "tap x"},
+        // Nested sequences keep the modifiers their group holds, so a Shift group stays shifted.
+        {"+(Ab)", "Shift down, tap A, tap B, Shift up"},
+        {"+{Ab}", "Shift down, tap A, tap B, Shift up"},
+        {"^(A)", "Ctrl down, Shift down, tap A, Shift up, Ctrl up"},
+        // "é" has no key on a US layout: it goes out as virtual key 255, which types nothing.
+        {"\xC3\xA9", "tap vk255/255"},
     };
-    for (const Row& row : rows) {
-        EXPECT_EQ(Events(Typed(QString::fromUtf8(row.keys))), Events(Expand(row.expected)))
-            << "sequence: " << row.keys;
+    for (const Row& row : rows)
+        ExpectTyped(QString::fromUtf8(row.keys), row.expected);
+
+    RecordingKeyboard keyboard;
+    ModPushKeys sender(keyboard);
+    sender.ShiftHeld = -1; // left over from an earlier call: a new sequence starts clean
+    sender.PushKeys("+(a)!");
+    EXPECT_EQ(Events(keyboard.actions),
+              Events(Expand("Shift down, tap a, Shift up, Shift down, tap 1, Shift up")));
+}
+
+// A failure outside braces reaches the caller; inside braces it is absorbed: each repetition
+// breaks off at the failing step, and a modifier group broken off is released at the end of
+// the sequence. One sender types every row, so nothing may stick from a failed sequence.
+TEST(ModPushKeys, KeyboardFailures) {
+    enum Fails { Char, Key, ScanLookup };
+    const struct {
+        const char* keys;
+        Fails fails;
+        unsigned code;
+        bool throws;
+        const char* expected;
+    } rows[] = {
+        {"aqb", Char, 'q', true, "tap a"},
+        {"+(aq)b", Char, 'q', true, "Shift down, tap a"},
+        {"A", Key, 0x10, true, ""},
+        {"\xE2\x82\xAC", Char, 0x80, true, ""}, // the euro sign, Windows-1252 byte 0x80
+        {"{aqb 3}c", Char, 'q', false, "tap a x3, tap c"},
+        {"{+(aqz)}b", Char, 'q', false, "Shift down, tap a, tap b, Shift up"},
+        // Enter fails on every repetition; the line feeds after it are still sent.
+        {"{NEWLINE 2}", Key, 13, false, "tap vk10 x2"},
+        // The scan code lookup comes before the loop: its failure leaves one tap, with scan 0.
+        {"{LEFT 3}", ScanLookup, 37, false, "tap vk37/0"},
+    };
+    RecordingKeyboard keyboard;
+    ModPushKeys sender(keyboard);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.keys);
+        keyboard = RecordingKeyboard{};
+        if (row.fails == Char)
+            keyboard.failingChars = {std::uint8_t(row.code)};
+        else if (row.fails == Key)
+            keyboard.failingKeys = {std::uint8_t(row.code)};
+        else
+            keyboard.failingScanLookups = {row.code};
+        if (row.throws)
+            EXPECT_THROW(sender.PushKeys(QString::fromUtf8(row.keys)), KeySendError);
+        else
+            EXPECT_NO_THROW(sender.PushKeys(QString::fromUtf8(row.keys)));
+        EXPECT_EQ(Events(keyboard.actions), Events(Expand(row.expected)));
     }
-}
-
-TEST(ModPushKeys, TypesEachCharacterAsItsWindows1252Byte) {
-    // "é" has no key on a US layout: it goes out as virtual key 255, which types nothing.
-    const QList<KeyAction> expected = {{KeyAction::Down, 255, 255, 0},
-                                       {KeyAction::Up, 255, 255, 0}};
-    EXPECT_EQ(Typed(QString::fromUtf8("\xC3\xA9")), expected);
-
-    RecordingKeyboard keyboard;
-    keyboard.failingChars = {0x80};
-    ModPushKeys sender(keyboard);
-    EXPECT_THROW(sender.PushKeys(QString::fromUtf8("\xE2\x82\xAC")), KeySendError); // the euro sign
-}
-
-TEST(ModPushKeys, FailureOutsideBracesReachesTheCaller) {
-    RecordingKeyboard keyboard;
-    keyboard.failingChars = {'q'};
-    ModPushKeys sender(keyboard);
-    EXPECT_THROW(sender.PushKeys("aqb"), KeySendError);
-    EXPECT_EQ(Events(keyboard.actions), Events(Expand("tap a")));
-
-    keyboard.actions.clear();
-    EXPECT_THROW(sender.PushKeys("+(aq)b"), KeySendError);
-    EXPECT_EQ(Events(keyboard.actions), Events(Expand("Shift down, tap a")));
-
-    keyboard.actions.clear();
-    keyboard.failingKeys = {0x10};
-    EXPECT_THROW(sender.PushKeys("A"), KeySendError);
-    EXPECT_TRUE(keyboard.actions.isEmpty());
-}
-
-TEST(ModPushKeys, FailureInsideBracesIsAbsorbed) {
-    RecordingKeyboard keyboard;
-    keyboard.failingChars = {'q'};
-    ModPushKeys sender(keyboard);
-
-    // Each repetition breaks off at the failing character; all three still run.
-    EXPECT_NO_THROW(sender.PushKeys("{aqb 3}c"));
-    EXPECT_EQ(Events(keyboard.actions), Events(Expand("tap a x3, tap c")));
-
-    // A modifier group broken off inside braces is released at the end of the sequence.
-    keyboard.actions.clear();
-    EXPECT_NO_THROW(sender.PushKeys("{+(aqz)}b"));
-    EXPECT_EQ(Events(keyboard.actions), Events(Expand("Shift down, tap a, tap b, Shift up")));
-    EXPECT_EQ(sender.ShiftHeld, -1);
-}
-
-TEST(ModPushKeys, FailingStepInNamedKeyResetsTheCountButNotARunningLoop) {
-    RecordingKeyboard keyboard;
-    ModPushKeys sender(keyboard);
-
-    // Enter fails on every repetition; the line feeds after it are still sent, twice.
-    keyboard.failingKeys = {13};
-    EXPECT_NO_THROW(sender.PushKeys("{NEWLINE 2}"));
-    EXPECT_EQ(Events(keyboard.actions), Events(Expand("tap vk10 x2")));
-
-    // The scan code lookup comes before the loop: its failure leaves one tap, with scan 0.
-    keyboard.actions.clear();
-    keyboard.failingKeys.clear();
-    keyboard.failingScanLookups = {37};
-    EXPECT_NO_THROW(sender.PushKeys("{LEFT 3}"));
-    const QList<KeyAction> once = {{KeyAction::Down, 37, 0, 0}, {KeyAction::Up, 37, 0, 0}};
-    EXPECT_EQ(keyboard.actions, once);
 }
 
 } // namespace

@@ -19,33 +19,21 @@
 
 namespace {
 
-// Writes where it ran, its argv, its parent, its session and its stdin to the file
-// named by $HW_RECORD, atomically, so a test sees the whole record or none.
+// Writes where it ran, its parent, its session, its stdin and its argv, a line each, to
+// the file named by $HW_RECORD, atomically, so a test sees the whole record or none.
 const char* const kRecorder = R"sh(#!/bin/sh
 {
-  pwd -P
-  echo "ppid $PPID"
-  echo "sid $(cut -d' ' -f6 /proc/$$/stat)"
-  echo "stdin $(readlink /proc/$$/fd/0)"
-  for arg in "$0" "$@"; do printf 'arg %s\n' "$arg"; done
+  pwd -P; echo "$PPID"; cut -d' ' -f6 /proc/$$/stat; readlink /proc/$$/fd/0
+  printf '%s\n' "$0" "$@"
 } > "$HW_RECORD.part" && mv "$HW_RECORD.part" "$HW_RECORD"
 )sh";
 
-struct Record {
-    QString pwd;
-    QString ppid;
-    QString sid;
-    QString stdinTarget;
-    QStringList argv;
-};
+enum RecordLine { Pwd, Ppid, Sid, Stdin, Argv };
 
 class PosixProcessLauncherTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(temp.isValid());
-        root = QFileInfo(temp.path()).canonicalFilePath();
-        recordPath = root + "/record.txt";
-        savedPath = qgetenv("PATH");
         qputenv("HW_RECORD", QFile::encodeName(recordPath));
     }
     void TearDown() override {
@@ -54,183 +42,140 @@ protected:
     }
 
     QString Make(const QString& relative, const QByteArray& content, bool executable) {
-        const QString path = root + "/" + relative;
-        EXPECT_TRUE(QDir().mkpath(QFileInfo(path).path()));
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.close();
-        QFile::Permissions permissions = QFile::ReadOwner | QFile::WriteOwner;
-        if (executable)
-            permissions |= QFile::ExeOwner;
-        file.setPermissions(permissions);
-        return path;
+        QFile file(root + "/" + relative);
+        EXPECT_TRUE(QDir().mkpath(QFileInfo(file).path()) && file.open(QIODevice::WriteOnly) &&
+                    file.write(content) == content.size());
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner |
+                            (executable ? QFile::ExeOwner : QFile::Permissions()));
+        return file.fileName();
     }
     QString Script(const QString& relative) { return Make(relative, kRecorder, true); }
+    // "@" stands for the temporary folder.
+    QString At(QString text) const { return text.replace('@', root); }
 
     // The started program runs on its own; wait for its record to appear.
-    std::optional<Record> WaitForRecord() {
+    std::optional<QStringList> WaitForRecord() {
         QDeadlineTimer deadline(10000);
         while (!QFile::exists(recordPath) && !deadline.hasExpired())
             QThread::msleep(5);
         QFile file(recordPath);
         if (!file.open(QIODevice::ReadOnly))
             return std::nullopt;
-        Record record;
-        const QStringList lines = QString::fromUtf8(file.readAll()).split('\n');
-        record.pwd = lines.value(0);
-        for (const QString& line : lines) {
-            if (line.startsWith("ppid "))
-                record.ppid = line.mid(5);
-            else if (line.startsWith("sid "))
-                record.sid = line.mid(4);
-            else if (line.startsWith("stdin "))
-                record.stdinTarget = line.mid(6);
-            else if (line.startsWith("arg "))
-                record.argv << line.mid(4);
-        }
         QFile::remove(recordPath);
-        return record;
+        return QString::fromUtf8(file.readAll()).chopped(1).split('\n');
     }
 
     QTemporaryDir temp;
-    QString root;
-    QString recordPath;
-    QByteArray savedPath;
+    const QString root = QFileInfo(temp.path()).canonicalFilePath();
+    const QString recordPath = root + "/record.txt";
+    const QByteArray savedPath = qgetenv("PATH");
     PosixProcessLauncher launcher;
 };
 
 TEST_F(PosixProcessLauncherTest, StartsTheProgramDetachedWithItsArgumentsInItsFolder) {
-    const QString program = Script("Game/rf.sh");
-    EXPECT_EQ(launcher.ShellExecute(program, "-dedicated  My Server -port 7755", root + "/Game", 1),
-              42);
-    const auto record = WaitForRecord();
-    ASSERT_TRUE(record);
-    EXPECT_EQ(record->pwd, root + "/Game");
-    EXPECT_EQ(record->argv, QStringList({program, "-dedicated", "My", "Server", "-port", "7755"}));
-    EXPECT_EQ(record->stdinTarget, "/dev/null");
-    EXPECT_NE(record->ppid, QString::number(getpid()));
-    EXPECT_NE(record->sid, QString::number(getsid(0)));
-    // Nothing of ours is left to reap: no zombie, no child at all.
-    errno = 0;
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
-    EXPECT_EQ(errno, ECHILD);
-}
+    for (const char* program :
+         {"Game/rf.sh", "RedFaction/Data/rf.exe", "My Games/Red Faction/rf.exe", "bin/wine"})
+        Script(program);
+    Make("Win/RF.EXE", QByteArray("MZ\x90\0\x03", 5), false);
+    qputenv("PATH", QFile::encodeName(root + "/bin") + ":" + savedPath);
+    struct Row {
+        const char* program; // with no parameters: the whole command line
+        const char* parameters;
+        const char* directory;
+        const char* argv; // one argument a line
+        const char* pwd;  // empty: the current folder, inherited
+    };
+    const Row rows[] = {
+        {"@/Game/rf.sh", "-dedicated  My Server -port 7755", "@/Game",
+         "@/Game/rf.sh\n-dedicated\nMy\nServer\n-port\n7755", "@/Game"},
+        // Program and folder are found whatever their case.
+        {"@/redfaction/DATA/RF.EXE", "-dedicated Default", "@/REDFACTION/data",
+         "@/RedFaction/Data/rf.exe\n-dedicated\nDefault", "@/RedFaction/Data"},
+        // A missing folder falls back to the program's; no folder inherits the current one.
+        {"@/Game/rf.sh", "", "@/Gone", "@/Game/rf.sh", "@/Game"},
+        {"@/Game/rf.sh", "", "", "@/Game/rf.sh", ""},
+        // A relative program is looked up in the working directory first.
+        {"RF.SH", "", "@/Game", "@/Game/rf.sh", "@/Game"},
+        // A Windows program runs through wine.
+        {"@/Win/RF.EXE", "-dedicated Default -lanonly", "@/Win",
+         "@/bin/wine\n@/Win/RF.EXE\n-dedicated\nDefault\n-lanonly", "@/Win"},
+        // The whole command line finds a path with blanks, whatever its case.
+        {"@/my games/red faction/RF.EXE -dedicated My Server", nullptr, nullptr,
+         "@/My Games/Red Faction/rf.exe\n-dedicated\nMy\nServer", "@/My Games/Red Faction"},
+    };
+    // Our own stdin is a pipe here, so a program that inherited it would show.
+    int pipeEnds[2];
+    const int ownStdin = dup(STDIN_FILENO);
+    ASSERT_TRUE(pipe(pipeEnds) == 0 && dup2(pipeEnds[0], STDIN_FILENO) == STDIN_FILENO);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.program);
+        EXPECT_EQ(row.parameters
+                      ? launcher.ShellExecute(At(row.program), row.parameters, At(row.directory), 1)
+                      : launcher.StartCommandLine(At(row.program), 1),
+                  42);
+        const auto record = WaitForRecord();
+        ASSERT_TRUE(record);
+        EXPECT_EQ(record->mid(Argv).join('\n'), At(row.argv));
+        EXPECT_EQ(record->value(Pwd),
+                  *row.pwd ? At(row.pwd) : QFileInfo(QDir::currentPath()).canonicalFilePath());
+        EXPECT_EQ(record->value(Stdin), "/dev/null");
+        EXPECT_NE(record->value(Ppid), QString::number(getpid()));
+        EXPECT_NE(record->value(Sid), QString::number(getsid(0)));
+        errno = 0; // nothing of ours is left to reap: no zombie, no child at all
+        EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+        EXPECT_EQ(errno, ECHILD);
+    }
+    dup2(ownStdin, STDIN_FILENO);
+    for (const int fd : {ownStdin, pipeEnds[0], pipeEnds[1]})
+        close(fd);
 
-TEST_F(PosixProcessLauncherTest, FindsTheProgramAndFolderWhateverTheirCase) {
-    Script("RedFaction/Data/rf.exe");
-    EXPECT_EQ(launcher.ShellExecute(root + "/redfaction/DATA/RF.EXE", "-dedicated Default",
-                                    root + "/REDFACTION/data", 1),
-              42);
-    const auto record = WaitForRecord();
-    ASSERT_TRUE(record);
-    EXPECT_EQ(record->pwd, root + "/RedFaction/Data");
-    EXPECT_EQ(record->argv.value(0), root + "/RedFaction/Data/rf.exe");
-
-    EXPECT_EQ(FindPathNoCase(root + "\\redfaction\\data\\RF.exe"),
-              root + "/RedFaction/Data/rf.exe");
+    EXPECT_EQ(FindPathNoCase(root + "\\redfaction\\data\\RF.exe"), At("@/RedFaction/Data/rf.exe"));
     EXPECT_EQ(FindEntryNoCase(root + "/RedFaction/", "DATA"), root + "/RedFaction/Data");
     EXPECT_FALSE(FindPathNoCase(root + "/RedFaction/Maps/rf.exe"));
 }
 
-TEST_F(PosixProcessLauncherTest, RunsAWindowsProgramThroughWine) {
-    const QString wine = Script("bin/wine");
-    const QString game = Make("Game/RF.EXE", QByteArray("MZ\x90\0\x03", 5), false);
-    qputenv("PATH", QFile::encodeName(root + "/bin") + ":" + savedPath);
-
-    EXPECT_EQ(launcher.ShellExecute(game, "-dedicated Default -lanonly", root + "/Game", 1), 42);
-    const auto record = WaitForRecord();
-    ASSERT_TRUE(record);
-    EXPECT_EQ(record->argv, QStringList({wine, game, "-dedicated", "Default", "-lanonly"}));
-    EXPECT_EQ(record->pwd, root + "/Game");
-
-    qputenv("PATH", QFile::encodeName(root + "/nowhere"));
-    EXPECT_EQ(launcher.ShellExecute(game, "", root + "/Game", 1), 31);
-}
-
-struct FailureRow {
-    const char* what;
-    const char* program; // under the temp folder
-    std::int32_t result;
-};
-
-class PosixLauncherFailureTest : public PosixProcessLauncherTest,
-                                 public ::testing::WithParamInterface<FailureRow> {};
-
-TEST_P(PosixLauncherFailureTest, GivesASmallErrorCode) {
+TEST_F(PosixProcessLauncherTest, FailureGivesASmallErrorCodeAndRunsNothing) {
     Make("Game/readme.txt", "just text\n", false);
     Make("Game/garbage", "no program at all\n", true);
-    EXPECT_EQ(launcher.ShellExecute(root + "/" + GetParam().program, "-dedicated x", root, 1),
-              GetParam().result)
-        << GetParam().what;
-    EXPECT_FALSE(QFile::exists(recordPath));
-}
-
-INSTANTIATE_TEST_SUITE_P(Codes, PosixLauncherFailureTest,
-                         ::testing::Values(FailureRow{"missing file", "Game/RF.EXE", 2},
-                                           FailureRow{"missing folder", "Gone/RF.EXE", 3},
-                                           FailureRow{"not executable", "Game/readme.txt", 5},
-                                           FailureRow{"a folder", "Game", 5},
-                                           FailureRow{"not a program format", "Game/garbage", 11}));
-
-TEST_F(PosixProcessLauncherTest, FallsBackToTheProgramFolderOrInheritsTheCurrentOne) {
-    Script("Game/rf.sh");
-    EXPECT_EQ(launcher.ShellExecute(root + "/Game/rf.sh", "", root + "/Gone", 1), 42);
-    auto record = WaitForRecord();
-    ASSERT_TRUE(record);
-    EXPECT_EQ(record->pwd, root + "/Game");
-
-    // A relative program is looked up in the working directory first.
-    EXPECT_EQ(launcher.ShellExecute("RF.SH", "", root + "/Game", 1), 42);
-    record = WaitForRecord();
-    ASSERT_TRUE(record);
-    EXPECT_EQ(record->argv.value(0), root + "/Game/rf.sh");
-
-    EXPECT_EQ(launcher.ShellExecute(root + "/Game/rf.sh", "", "", 1), 42);
-    record = WaitForRecord();
-    ASSERT_TRUE(record);
-    EXPECT_EQ(record->pwd, QFileInfo(QDir::currentPath()).canonicalFilePath());
-}
-
-TEST_F(PosixProcessLauncherTest, WholeCommandLineFindsAPathWithBlanks) {
-    const QString program = Script("My Games/Red Faction/rf.exe");
-    EXPECT_EQ(
-        launcher.StartCommandLine(root + "/my games/red faction/RF.EXE -dedicated My Server", 1),
-        42);
-    const auto record = WaitForRecord();
-    ASSERT_TRUE(record);
-    EXPECT_EQ(record->argv, QStringList({program, "-dedicated", "My", "Server"}));
-    EXPECT_EQ(record->pwd, root + "/My Games/Red Faction");
-
+    Script("My Games/rf.exe");
+    const auto start = [&](const char* program) {
+        return launcher.ShellExecute(root + "/" + program, "-dedicated x", root, 1);
+    };
+    EXPECT_EQ(start("Game/RF.EXE"), 2);
+    EXPECT_EQ(start("Gone/RF.EXE"), 3);
+    EXPECT_EQ(start("Game/readme.txt"), 5);
+    EXPECT_EQ(start("Game"), 5);
+    EXPECT_EQ(start("Game/garbage"), 11);
     EXPECT_EQ(launcher.StartCommandLine(root + "/My Games/Nothing Here -dedicated x", 1), 2);
+    const QString game = Make("Game/RF.EXE", "MZ", false);
+    qputenv("PATH", QFile::encodeName(root + "/nowhere"));
+    EXPECT_EQ(launcher.ShellExecute(game, "", root + "/Game", 1), 31)
+        << "no wine for a Windows program";
+    EXPECT_FALSE(QFile::exists(recordPath));
 }
 
 // Folder and configuration names full of shell syntax reach the program as plain text
 // and make nothing else run.
 TEST_F(PosixProcessLauncherTest, ShellCharactersRunNothing) {
-    const QString marker = root + "/injected";
     const QString gameDir = "g;touch injected&&$(touch injected)|`touch injected`>injected x";
     const QString program = Script(gameDir + "/RF.EXE");
-    const QString name =
-        QStringLiteral("a;touch %1 $(touch %1) `touch %1` && touch %1 | cat > %1").arg(marker);
+    const QString name = QStringLiteral("a;touch %1 $(touch %1) `touch %1` && touch %1 | cat > %1")
+                             .arg(root + "/injected");
     const QString savedCurrent = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(root));
 
-    QString line = root + "/" + gameDir + "/RF.EXE -dedicated " + name + " -port 7755";
+    QString line = program + " -dedicated " + name + " -port 7755";
     const std::int32_t result = StartProgram(launcher, line, 1);
     const auto record = WaitForRecord();
     QDir::setCurrent(savedCurrent);
 
     EXPECT_EQ(result, 2); // the blank in the folder name needs the whole-line start
     ASSERT_TRUE(record);
-    EXPECT_EQ(record->argv.value(0), program);
-    EXPECT_EQ(record->argv.mid(1).join(' '), "-dedicated " + name + " -port 7755");
-    QDirIterator it(root, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString found = it.next();
-        EXPECT_NE(it.fileName(), "injected") << found.toStdString();
-    }
+    EXPECT_EQ(record->value(Argv), program);
+    EXPECT_EQ(record->mid(Argv + 1).join(' '), "-dedicated " + name + " -port 7755");
+    for (QDirIterator it(root, QDir::AllEntries | QDir::Hidden, QDirIterator::Subdirectories);
+         it.hasNext();)
+        EXPECT_NE(it.next().section('/', -1), "injected");
 }
 
 } // namespace
