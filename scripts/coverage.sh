@@ -15,14 +15,22 @@ cmake --build "$dir" -j"$(nproc)"
 find "$dir" -name '*.gcda' -delete
 (cd "$dir" && ctest -j"$(nproc)" "$@") || echo "coverage.sh: some tests failed; figures below cover what ran"
 # One summary per folder of src/, then the total.
-report() {  # $1 = filter regex, $2 = label
-  gcovr -r . --object-directory "$dir" -f "$1" -e '.*_autogen/.*' \
-        --gcov-ignore-parse-errors=negative_hits.warn_once_per_file \
-        --txt-summary -o /dev/null 2>/dev/null |
-    awk -v l="$2" '/^lines:/ {ln=$2} /^branches:/ {br=$2} END {printf "%-24s lines %7s  branches %7s\n", l, ln, br}'
-}
-for d in $(cd src && find . -mindepth 1 -maxdepth 2 -type d ! -name images | sed 's|^\./||' | sort); do
-  ls src/"$d"/*.cpp >/dev/null 2>&1 || continue
-  report "src/$d/[^/]*\.(cpp|h)$" "src/$d"
-done
-report 'src/.*' 'src (total)'
+summary=$(mktemp)
+trap 'rm -f "$summary"' EXIT
+gcovr -r . --object-directory "$dir" -f 'src/' -e '.*_autogen/.*' \
+      --gcov-ignore-parse-errors \
+      --json-summary "$summary" >/dev/null 2>&1
+python3 - "$summary" <<'PY'
+import json, os, sys
+folders = {}
+for f in json.load(open(sys.argv[1]))["files"]:
+    d = os.path.dirname(f["filename"])
+    for key in (d, "src (total)"):
+        t = folders.setdefault(key, [0, 0, 0, 0])
+        t[0] += f["line_covered"]; t[1] += f["line_total"]
+        t[2] += f["branch_covered"]; t[3] += f["branch_total"]
+pct = lambda a, b: f"{100.0 * a / b:5.1f}% ({a}/{b})" if b else "    -"
+for key in sorted(folders, key=lambda k: (k == "src (total)", k)):
+    lc, lt, bc, bt = folders[key]
+    print(f"{key:22} lines {pct(lc, lt):20} branches {pct(bc, bt)}")
+PY
