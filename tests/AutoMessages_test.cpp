@@ -48,7 +48,7 @@ struct Rig {
     Rig() {
         state.MessageRate = 3;
         server = windows.Add(kServerTitle);
-        am.ServerHandle = 42;
+        am.ServerLaunched(42);
     }
 
     void Countdown(int seconds) {
@@ -72,8 +72,8 @@ struct Rig {
     }
     QString Typed() const { return keys.pushed.join(QString()); }
     void ExpectIdleTypist() {
-        EXPECT_TRUE(am.PendingLine.isEmpty());
-        EXPECT_EQ(am.SendPos, 0);
+        EXPECT_TRUE(am.PendingLine().isEmpty());
+        EXPECT_EQ(am.SendPos(), 0);
         EXPECT_FALSE(am.TMRSendEnabled());
         EXPECT_FALSE(host.sendTimer);
     }
@@ -99,16 +99,16 @@ TEST_F(AutoMessagesTest, CountdownQueuesNonEmptyBoxesInOrderEveryIntervalUntilUn
     EXPECT_TRUE(host.addsTimer);
 
     Countdown(179);
-    EXPECT_TRUE(am.LSTBuff.isEmpty());
+    EXPECT_TRUE(am.Queue().isEmpty());
     EXPECT_EQ(host.captions.first(), "Next Auto Message due in 179 seconds.");
     Countdown(1);
     EXPECT_EQ(host.captions.last(), "Next Auto Message due in 0 seconds.");
-    EXPECT_EQ(am.LSTBuff, QStringList({"first", "third"}));
+    EXPECT_EQ(am.Queue(), QStringList({"first", "third"}));
 
     Countdown(180);
     EXPECT_EQ(host.captions.size(), 360);
     EXPECT_EQ(host.captions[180], "Next Auto Message due in 179 seconds.");
-    EXPECT_EQ(am.LSTBuff, QStringList({"first", "third", "first", "third"}));
+    EXPECT_EQ(am.Queue(), QStringList({"first", "third", "first", "third"}));
 
     // Unchecking "Auto Message" stops the countdown where it stands; the queue is still typed.
     am.Timer1_Timer();
@@ -142,12 +142,12 @@ TEST_F(AutoMessagesTest, CountdownStandsStillWhenNothingIsToBeSent) {
         Rig t;
         t.host.texts[1] = text ? "x" : "";
         t.host.messageChecked = checked;
-        t.am.AddsSeconds = 17;
-        t.am.SetTMRAddsEnabled(running);
+        if (!running)
+            t.am.CHKMessage_Click(false);
         t.Countdown(500);
-        EXPECT_EQ(t.am.AddsSeconds, 17);
+        EXPECT_EQ(t.am.AddsSeconds(), 0);
         EXPECT_TRUE(t.host.captions.isEmpty());
-        EXPECT_TRUE(t.am.LSTBuff.isEmpty());
+        EXPECT_TRUE(t.am.Queue().isEmpty());
     }
 }
 
@@ -159,15 +159,16 @@ TEST_F(AutoMessagesTest, TypesOneLineAtATimeOneCharacterPerTickAfterActivating) 
         SCOPED_TRACE(message.toStdString());
         Rig t;
         const QString line = "say " + message + "~";
-        t.am.ServerHandle = launched ? 42 : 0;
+        if (!launched)
+            t.am.ForgetServer();
         t.am.QueueMessage(message);
         t.am.QueueMessage("b");
         t.am.Timer1_Timer();
         EXPECT_TRUE(t.host.sendTimer);
         t.Typist(line.size());
         t.am.Timer1_Timer();
-        EXPECT_EQ(t.am.PendingLine, line) << "no new line while one is typed";
-        EXPECT_EQ(t.am.LSTBuff, QStringList({"b"}));
+        EXPECT_EQ(t.am.PendingLine(), line) << "no new line while one is typed";
+        EXPECT_EQ(t.am.Queue(), QStringList({"b"}));
         EXPECT_EQ(t.keys.pushed,
                   launched ? line.split(QString(), Qt::SkipEmptyParts) : QStringList());
         EXPECT_EQ(t.windows.activations.size(), launched ? line.size() : 0);
@@ -175,8 +176,8 @@ TEST_F(AutoMessagesTest, TypesOneLineAtATimeOneCharacterPerTickAfterActivating) 
         t.Typist(1);
         t.ExpectIdleTypist();
         t.am.Timer1_Timer();
-        EXPECT_EQ(t.am.PendingLine, "say b~");
-        EXPECT_TRUE(t.am.LSTBuff.isEmpty());
+        EXPECT_EQ(t.am.PendingLine(), "say b~");
+        EXPECT_TRUE(t.am.Queue().isEmpty());
         t.TypeLine();
         EXPECT_EQ(t.Typed(), launched ? line + "say b~" : "");
         EXPECT_TRUE(t.boxes.shown.isEmpty());
@@ -197,7 +198,7 @@ TEST_F(AutoMessagesTest, RandomPicksOneNonEmptyBoxFromTheGenerator) {
         t.random.script = script;
         t.QueueBatch(texts);
         t.Countdown(180 * (expected.size() - 1));
-        EXPECT_EQ(t.am.LSTBuff, expected);
+        EXPECT_EQ(t.am.Queue(), expected);
         EXPECT_TRUE(t.random.script.isEmpty()) << "every drawn number is used";
     }
 }
@@ -230,10 +231,10 @@ TEST_F(AutoMessagesTest, TypingFailureStopsEverythingAndRelaunchesOrTellsTheOper
             EXPECT_EQ(t.boxes.shown, recover ? QList<MessageRequest>{} : QList{kServerError});
             EXPECT_EQ(t.host.launches, recover ? 1 : 0);
             EXPECT_EQ(t.beeper.beeps, recover ? 1 : 0);
-            EXPECT_TRUE(t.am.LSTBuff.isEmpty());
+            EXPECT_TRUE(t.am.Queue().isEmpty());
             EXPECT_FALSE(t.am.TMRAddsEnabled());
             EXPECT_FALSE(t.host.addsTimer);
-            EXPECT_EQ(t.am.ServerHandle, 0u);
+            EXPECT_EQ(t.am.ServerHandle(), 0u);
             t.ExpectIdleTypist();
         }
     }
@@ -245,8 +246,7 @@ TEST_F(AutoMessagesTest, RecoveryRelaunchesThenBeepsAndKeepsTheCountdown) {
     host.onLaunch = [&] {
         beepsAtLaunch = beeper.beeps;
         server = windows.Add(kServerTitle);
-        am.ServerHandle = 77;
-        am.SetTMRAddsEnabled(true);
+        am.ServerLaunched(77);
     };
     QueueBatch({"welcome"});
     am.Timer1_Timer();
@@ -259,7 +259,7 @@ TEST_F(AutoMessagesTest, RecoveryRelaunchesThenBeepsAndKeepsTheCountdown) {
     EXPECT_TRUE(host.addsTimer);
 
     Countdown(174);
-    EXPECT_TRUE(am.LSTBuff.isEmpty()) << "the countdown keeps its 5 seconds";
+    EXPECT_TRUE(am.Queue().isEmpty()) << "the countdown keeps its 5 seconds";
     Countdown(1);
     am.Timer1_Timer();
     TypeLine();
@@ -275,7 +275,6 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow)
         SCOPED_TRACE(interval);
         Rig t;
         t.host.interval = interval;
-        t.am.SetTMRAddsEnabled(true);
         t.am.QueueMessage("lost");
         t.am.QueueMessage("next");
         t.am.Timer1_Timer();

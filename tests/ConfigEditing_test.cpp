@@ -1,6 +1,6 @@
 #include "MainWindow.h"
 
-#include "settings/ConfigHandlers.h"
+#include "ui/settings/ConfigHandlers.h"
 
 #include <QTest>
 

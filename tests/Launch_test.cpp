@@ -1,6 +1,6 @@
 #include "MainWindow.h"
 
-#include "server/LaunchHandlers.h"
+#include "ui/server/LaunchHandlers.h"
 
 #include <QDir>
 #include <QFile>
@@ -52,8 +52,8 @@ TEST(Launch, CommandLineOfTheExampleOnWindowsAndLinuxPaths) {
         EXPECT_EQ(call.parameters, "-dedicated Default -lanonly -port 1234");
         EXPECT_EQ(call.workingDirectory, row.workingDirectory);
         EXPECT_EQ(call.windowStyle, 1);
-        EXPECT_EQ(m.w->automation->ServerHandle, 42);
-        EXPECT_TRUE(m.w->TMRAdds.isActive());
+        EXPECT_EQ(m.w->Automation().ServerHandle(), 42);
+        EXPECT_TRUE(m.timer("TMRAdds")->isActive());
     }
 }
 
@@ -86,7 +86,8 @@ TEST(Launch, SwitchesFollowTheControls) {
         m.ui().TXTPort->setText(row.portText);
         m.ui().TXTMod->setText(row.mod);
         m.app.CurrentConf = row.name;
-        m.w->automation->ServerHandle = 7;
+        m.w->ServerLaunched(7);
+        m.timer("TMRAdds")->stop();
         CMDLaunch_Click(*m.w);
         SCOPED_TRACE(row.what);
         if (row.parameters) {
@@ -102,10 +103,10 @@ TEST(Launch, SwitchesFollowTheControls) {
                                   MsgDefault::First}));
         // A refused launch has still closed the old console, written the file and
         // stored the configuration.
-        EXPECT_EQ(m.w->automation->ServerHandle, 0);
+        EXPECT_EQ(m.w->Automation().ServerHandle(), 0);
         EXPECT_TRUE(QFile::exists(dir.path() + "/dedicated_server.txt"));
         EXPECT_EQ(m.t.Get(row.name, "name"), row.name);
-        EXPECT_FALSE(m.w->TMRAdds.isActive());
+        EXPECT_FALSE(m.timer("TMRAdds")->isActive());
     }
 }
 
@@ -153,8 +154,8 @@ TEST(Launch, FailedStartsAreReported) {
         m.t.launcher.commandLineResults = row.commandLine;
         CMDLaunch_Click(*m.w);
         SCOPED_TRACE(row.what);
-        EXPECT_EQ(m.w->automation->ServerHandle, row.handle);
-        EXPECT_EQ(m.w->TMRAdds.isActive(), !row.reported);
+        EXPECT_EQ(m.w->Automation().ServerHandle(), row.handle);
+        EXPECT_EQ(m.timer("TMRAdds")->isActive(), !row.reported);
         ASSERT_EQ(m.t.messages.shown.size(), row.reported ? 1 : 0);
         if (row.reported) {
             EXPECT_EQ(m.t.messages.shown[0],
@@ -171,7 +172,7 @@ TEST(Launch, UnwritableOptionsFileStopsTheLaunch) {
     EXPECT_TRUE(m.t.launcher.calls.isEmpty());
     ASSERT_EQ(m.t.messages.shown.size(), 1);
     EXPECT_EQ(m.t.messages.shown[0].title, "Options File Error");
-    EXPECT_EQ(m.w->automation->ServerHandle, 0);
+    EXPECT_EQ(m.w->Automation().ServerHandle(), 0);
 }
 
 TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {

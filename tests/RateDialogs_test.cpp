@@ -1,6 +1,6 @@
 #include "MainWindow.h"
 
-#include "automation/RateHandlers.h"
+#include "ui/automation/RateHandlers.h"
 #include "ui/RateDialogs.h"
 #include "ui_MsgRate.h"
 #include "ui_Text_Rate.h"
@@ -18,8 +18,8 @@ struct Rates : MainWindow {
         Load();
         w->show();
     }
-    Text_Rate* textRate() { return static_cast<Text_Rate*>(app.Text_Rate); }
-    MsgRate* msgRate() { return static_cast<MsgRate*>(app.MsgRate); }
+    Text_Rate* textRate() { return static_cast<Text_Rate*>(forms.Text_Rate); }
+    MsgRate* msgRate() { return static_cast<MsgRate*>(forms.MsgRate); }
 };
 
 void Unloaded(QPointer<QWidget> dialog) {
@@ -46,10 +46,10 @@ TEST(TextRateDialog, OpensAtTheTypistRateAndStoresItOnOK) {
     EXPECT_EQ(d->ui->RateText->text(), "50 ms between characters");
     QPointer<QWidget> dialog = d;
     d->ui->Command1->click();
-    EXPECT_EQ(m.w->TMRSend.interval(), 50);
+    EXPECT_EQ(m.w->TextRate(), 50);
     EXPECT_EQ(m.t.Get("Startup", "TextRate"), "50");
     EXPECT_TRUE(m.w->isEnabled());
-    EXPECT_EQ(m.app.Text_Rate, nullptr);
+    EXPECT_EQ(m.forms.Text_Rate, nullptr);
     Unloaded(dialog);
 
     // Each opening starts afresh from the typist's rate.
@@ -89,13 +89,13 @@ TEST(MsgRateDialog, ShowsTheRateInEffect) {
 
 TEST(RateDialogs, CancelChangesNothing) {
     Rates m;
-    m.w->TMRAdds.start();
+    m.timer("TMRAdds")->start();
     m.ui().CMDTextRate->click();
-    EXPECT_TRUE(m.w->TMRAdds.isActive()); // the countdown goes on meanwhile
+    EXPECT_TRUE(m.timer("TMRAdds")->isActive()); // the countdown goes on meanwhile
     m.textRate()->ui->SlideTextRate->setValue(30);
     QPointer<QWidget> text = m.textRate();
     m.textRate()->ui->Command2->click();
-    EXPECT_EQ(m.w->TMRSend.interval(), 110);
+    EXPECT_EQ(m.w->TextRate(), 110);
     EXPECT_TRUE(m.w->isEnabled());
     Unloaded(text);
 
@@ -105,7 +105,7 @@ TEST(RateDialogs, CancelChangesNothing) {
     EXPECT_TRUE(m.w->isEnabled());
     EXPECT_EQ(m.t.Get("Startup", "TextRate"), "");
     EXPECT_EQ(m.t.Get("Startup", "MsgRate"), "");
-    EXPECT_EQ(m.app.MsgRate, nullptr);
+    EXPECT_EQ(m.forms.MsgRate, nullptr);
 }
 
 TEST(RateDialogs, ARestartTakesTheStoredRates) {
@@ -114,10 +114,10 @@ TEST(RateDialogs, ARestartTakesTheStoredRates) {
     m.t.Put("Startup", "TextRate", "50");
     m.t.Put("Startup", "MsgRate", "10");
     m.Load();
-    EXPECT_EQ(m.w->TMRSend.interval(), 50);
+    EXPECT_EQ(m.w->TextRate(), 50);
     EXPECT_EQ(m.app.MessageRate, 10);
     m.ui().CHKMessage->setChecked(true);
-    m.w->automation->SetTMRAddsEnabled(true);
-    m.w->automation->TMRAdds_Timer();
+    m.w->ServerLaunched(1);
+    emit m.timer("TMRAdds")->timeout({});
     EXPECT_EQ(m.ui().LBLCount->text(), "Next Auto Message due in 599 seconds.");
 }

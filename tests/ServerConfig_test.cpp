@@ -1,4 +1,5 @@
 #include "settings/ServerConfig.h"
+#include "ui/settings/ResetHandlers.h"
 
 #include "TestServices.h"
 

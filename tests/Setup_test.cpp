@@ -1,9 +1,11 @@
 #include "TestServices.h"
 
-#include "server/SetupHandlers.h"
+#include "ui/server/SetupHandlers.h"
 #include "settings/ServerConfig.h"
 #include "ui/Hostwarden.h"
 #include "ui/Setup.h"
+#include "ui/WindowRegistry.h"
+#include "ui/settings/ResetHandlers.h"
 #include "ui_Hostwarden.h"
 #include "ui_Setup.h"
 
@@ -23,16 +25,17 @@ const MessageRequest kWarning{
 struct SetupRun {
     TestServices t;
     AppState app;
+    WindowRegistry forms;
     Setup* setup = nullptr;
 
     void Start() {
-        setup = new Setup(app, t.services);
-        app.Setup = setup;
+        setup = new Setup(app, forms, t.services);
+        forms.Setup = setup;
         Setup_Form_Load(*setup);
     }
     ~SetupRun() {
-        delete app.MainWindow;
-        delete app.Setup;
+        delete forms.MainWindow;
+        delete forms.Setup;
     }
 };
 
@@ -52,14 +55,14 @@ TEST(Setup, LaterRunGoesStraightToTheMainWindow) {
         r.Start();
         SCOPED_TRACE(row.what);
         EXPECT_TRUE(r.t.messages.shown.isEmpty());
-        EXPECT_EQ(r.app.Setup, nullptr);
+        EXPECT_EQ(r.forms.Setup, nullptr);
         EXPECT_FALSE(r.setup->isVisible());
-        ASSERT_NE(r.app.MainWindow, nullptr);
-        EXPECT_TRUE(r.app.MainWindow->isVisible());
-        EXPECT_EQ(r.app.MainWindow->windowTitle(), "Hostwarden 2.0.1 by Velloquin");
+        ASSERT_NE(r.forms.MainWindow, nullptr);
+        EXPECT_TRUE(r.forms.MainWindow->isVisible());
+        EXPECT_EQ(r.forms.MainWindow->windowTitle(), "Hostwarden 2.0.1 by Velloquin");
         EXPECT_EQ(r.app.GameDir, row.storeLocation ? "/games/rf/" : "");
         EXPECT_EQ(r.t.Get("Startup", "RFLocation"), r.app.GameDir);
-        EXPECT_EQ(r.app.MainWindow->ui->TXTConfName->text(), "Default");
+        EXPECT_EQ(r.forms.MainWindow->ui->TXTConfName->text(), "Default");
         EXPECT_EQ(r.t.Get("Default", "maxplayers"), "16");
         delete r.setup; // deleteLater has not run: no event loop here
     }
@@ -73,8 +76,8 @@ TEST(Setup, FirstRunWarnsShowsTheStoredDirectoryAndCreatesTheDefaults) {
     r.Start();
     ASSERT_EQ(r.t.messages.shown.size(), 1);
     EXPECT_EQ(r.t.messages.shown[0], kWarning);
-    ASSERT_NE(r.app.Setup, nullptr);
-    EXPECT_EQ(r.app.MainWindow, nullptr);
+    ASSERT_NE(r.forms.Setup, nullptr);
+    EXPECT_EQ(r.forms.MainWindow, nullptr);
     EXPECT_EQ(r.setup->ui->TXTRFLocate->text(), "/games/rf/");
     EXPECT_TRUE(r.setup->ui->CMDOK->isEnabled());
 
@@ -85,8 +88,8 @@ TEST(Setup, FirstRunWarnsShowsTheStoredDirectoryAndCreatesTheDefaults) {
     EXPECT_EQ(r.t.Get("ConfName", "ConfCount"), "1");
     EXPECT_EQ(r.t.Get("ConfName", "Conf1"), "DEFAULT");
     EXPECT_EQ(r.t.Get("Default", "maxplayers"), "16");
-    ASSERT_NE(r.app.MainWindow, nullptr);
-    EXPECT_TRUE(r.app.MainWindow->isVisible());
+    ASSERT_NE(r.forms.MainWindow, nullptr);
+    EXPECT_TRUE(r.forms.MainWindow->isVisible());
     EXPECT_FALSE(r.setup->isVisible());
     delete r.setup;
 }
@@ -101,8 +104,8 @@ TEST(Setup, EmptyStoreStartsWithDefaultsOnceADirectoryIsChosen) {
     r.setup->ui->CMDOK->setEnabled(true);
     Setup_CMDOK_Click(*r.setup);
 
-    Hostwarden& w = *r.app.MainWindow;
-    EXPECT_EQ(w.TMRSend.interval(), 110);
+    Hostwarden& w = *r.forms.MainWindow;
+    EXPECT_EQ(w.TextRate(), 110);
     EXPECT_EQ(r.app.MessageRate, 3);
     EXPECT_FALSE(w.ui->CHKServRec->isChecked());
     EXPECT_FALSE(w.ui->CHKGameTracker->isChecked());
@@ -121,7 +124,7 @@ TEST(Setup, CancelEndsTheProgramAndStoresNothing) {
         r.t.messages.answers = {MsgAnswer::Cancel};
         r.Start();
         EXPECT_EQ(r.t.end.ended, 1);
-        EXPECT_EQ(r.app.MainWindow, nullptr);
+        EXPECT_EQ(r.forms.MainWindow, nullptr);
         EXPECT_TRUE(r.t.store.IsEmpty(kAppName));
     }
     {
@@ -153,7 +156,7 @@ TEST(Setup, AfterAResetTheNextStartIsAFirstRunWithOnlyDefault) {
     EXPECT_EQ(next.t.messages.shown[0], kWarning);
     next.setup->ui->TXTRFLocate->setText("/games/rf/");
     Setup_CMDOK_Click(*next.setup);
-    EXPECT_EQ(next.app.MainWindow->ui->LSTConfig->count(), 1);
-    EXPECT_EQ(next.app.MainWindow->ui->LSTConfig->itemText(0), "DEFAULT");
+    EXPECT_EQ(next.forms.MainWindow->ui->LSTConfig->count(), 1);
+    EXPECT_EQ(next.forms.MainWindow->ui->LSTConfig->itemText(0), "DEFAULT");
     delete next.setup;
 }

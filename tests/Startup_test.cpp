@@ -75,7 +75,7 @@ TEST(Startup, RestoresThePreferencesAlongTheirChain) {
             m.t.Put("Startup", key, value);
         m.Load();
         SCOPED_TRACE(row.what);
-        EXPECT_EQ(m.w->TMRSend.interval(), row.textRate);
+        EXPECT_EQ(m.w->TextRate(), row.textRate);
         EXPECT_EQ(m.app.MessageRate, row.messageRate);
         EXPECT_EQ(m.ui().CHKServRec->isChecked(), row.servRec);
         EXPECT_EQ(m.ui().CHKGameTracker->isChecked(), row.lanOnly);
@@ -84,8 +84,8 @@ TEST(Startup, RestoresThePreferencesAlongTheirChain) {
         EXPECT_EQ(m.ui().TXTPort->text(), row.portText);
         EXPECT_EQ(m.app.CurrentConf, "DEFAULT");
         EXPECT_EQ(m.app.Saved, "yes");
-        EXPECT_FALSE(m.w->TMRAdds.isActive());
-        EXPECT_FALSE(m.w->TMRSend.isActive());
+        EXPECT_FALSE(m.timer("TMRAdds")->isActive());
+        EXPECT_FALSE(m.timer("TMRSend")->isActive());
     }
 }
 

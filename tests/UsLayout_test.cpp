@@ -1,5 +1,5 @@
 #include "automation/ModPushKeys.h"
-#include "automation/UsLayout.h"
+#include "platform/UsLayout.h"
 
 #include "doubles/RecordingKeyboard.h"
 

@@ -34,7 +34,7 @@ AutoMessages::AutoMessages(AutoMessageHost& host, const AppState& state, WindowS
 void AutoMessages::QueueMessage(const QString& text) {
     if (text.isEmpty())
         return;
-    LSTBuff.append(text);
+    LSTBuff_.append(text);
 }
 
 void AutoMessages::CHKMessage_Click(bool checked) {
@@ -56,15 +56,15 @@ void AutoMessages::TMRAdds_Timer() {
     if (AllMessagesEmpty(host_))
         return;
 
-    ++AddsSeconds;
+    ++AddsSeconds_;
     const int due = int(state_.MessageRate) * 60;
-    host_.SetCountCaption("Next Auto Message due in " + QString::number(due - AddsSeconds) +
+    host_.SetCountCaption("Next Auto Message due in " + QString::number(due - AddsSeconds_) +
                           " seconds.");
-    if (AddsSeconds != due)
+    if (AddsSeconds_ != due)
         return;
 
     QueueDueMessages();
-    AddsSeconds = 0;
+    AddsSeconds_ = 0;
 }
 
 void AutoMessages::QueueDueMessages() {
@@ -83,25 +83,25 @@ void AutoMessages::QueueDueMessages() {
 }
 
 void AutoMessages::Timer1_Timer() {
-    if (LSTBuff.isEmpty() || sendEnabled_ || !PendingLine.isEmpty())
+    if (LSTBuff_.isEmpty() || sendEnabled_ || !PendingLine_.isEmpty())
         return;
-    PendingLine = "say " + LSTBuff.first() + "~";
+    PendingLine_ = "say " + LSTBuff_.first() + "~";
     focusWaitMs_ = 0;
     SetTMRSendEnabled(true);
-    LSTBuff.removeFirst();
+    LSTBuff_.removeFirst();
 }
 
 void AutoMessages::TMRSend_Timer() {
     if (!sendEnabled_)
         return;
-    ++SendPos;
-    if (SendPos == PendingLine.size() + 1) {
-        SendPos = 0;
+    ++SendPos_;
+    if (SendPos_ == PendingLine_.size() + 1) {
+        SendPos_ = 0;
         SetTMRSendEnabled(false);
-        PendingLine.clear();
+        PendingLine_.clear();
         return;
     }
-    if (ServerHandle != 0)
+    if (ServerHandle_ != 0)
         TypeCurrentCharacter();
     // Without a launched server the position is used up without typing.
 }
@@ -121,7 +121,7 @@ void AutoMessages::TypeCurrentCharacter() {
     if (activation == ActivateResult::NotFocused) {
         // The console is there but something else holds the focus: typing now would
         // send the keys to that window. Try this character again on the next tick.
-        --SendPos;
+        --SendPos_;
         focusWaitMs_ += host_.TypistIntervalMs();
         if (focusWaitMs_ >= kFocusPatienceMs)
             DropPendingLine();
@@ -130,26 +130,26 @@ void AutoMessages::TypeCurrentCharacter() {
 
     focusWaitMs_ = 0;
     try {
-        keys_.PushKeys(PendingLine.mid(SendPos - 1, 1));
+        keys_.PushKeys(PendingLine_.mid(SendPos_ - 1, 1));
     } catch (const std::exception&) {
         RecoverServer();
     }
 }
 
 void AutoMessages::DropPendingLine() {
-    PendingLine.clear();
-    SendPos = 0;
+    PendingLine_.clear();
+    SendPos_ = 0;
     focusWaitMs_ = 0;
     SetTMRSendEnabled(false);
 }
 
 void AutoMessages::RecoverServer() {
-    SendPos = 0;
+    SendPos_ = 0;
     SetTMRAddsEnabled(false);
     SetTMRSendEnabled(false);
-    PendingLine.clear();
-    LSTBuff.clear();
-    ServerHandle = 0;
+    PendingLine_.clear();
+    LSTBuff_.clear();
+    ServerHandle_ = 0;
     focusWaitMs_ = 0;
 
     if (host_.ServRecChecked()) {
@@ -160,6 +160,16 @@ void AutoMessages::RecoverServer() {
                         "Please varify the server is running and try again",
                         "Server Error", MsgButtons::OK, MsgIcon::None, MsgDefault::First});
     }
+}
+
+void AutoMessages::ForgetServer() {
+    ServerHandle_ = 0;
+}
+
+void AutoMessages::ServerLaunched(std::uint32_t handle) {
+    ServerHandle_ = handle;
+    if (handle != 0)
+        SetTMRAddsEnabled(true);
 }
 
 void AutoMessages::SetTMRAddsEnabled(bool enabled) {

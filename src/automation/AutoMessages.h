@@ -17,8 +17,8 @@ struct AppState;
 // (TMRAdds), the dispatcher (Timer1) and the typist (TMRSend), driven by tick calls.
 //
 // The class owns the enabled state of TMRAdds and TMRSend and mirrors every change to
-// the host's timers; a tick that arrives while its timer is off does nothing. Code that
-// starts the countdown from outside (the launch) goes through SetTMRAddsEnabled.
+// the host's timers; a tick that arrives while its timer is off does nothing. The launch
+// reports to it through ForgetServer and ServerLaunched; the host relaunches on request.
 class AutoMessages {
 public:
     // How long a line may wait for the console to get the input focus before it is
@@ -45,24 +45,27 @@ public:
     // ("Server Recover" checked) or tells the operator.
     void RecoverServer();
 
-    void SetTMRAddsEnabled(bool enabled);
-    void SetTMRSendEnabled(bool enabled);
+    // A launch begins: no server is known until it reports one.
+    void ForgetServer();
+    // The launch started a server (non-zero handle): its countdown starts.
+    void ServerLaunched(std::uint32_t handle);
+
     bool TMRAddsEnabled() const { return addsEnabled_; }
     bool TMRSendEnabled() const { return sendEnabled_; }
-
-    // The chat command being typed; empty while the typist is idle.
-    QString PendingLine;
-    // Position (from 1) of the character of PendingLine typed last; 0 while idle.
-    std::int16_t SendPos = 0;
-    // Seconds counted since the last batch was queued.
-    std::int16_t AddsSeconds = 0;
     // Messages waiting to be typed, first in first out.
-    QStringList LSTBuff;
-    // Result of the last launch; non-zero means a server was launched. The launch
-    // writes it, the recovery clears it.
-    std::uint32_t ServerHandle = 0;
+    const QStringList& Queue() const { return LSTBuff_; }
+    // The chat command being typed; empty while the typist is idle.
+    const QString& PendingLine() const { return PendingLine_; }
+    // Position (from 1) of the character of PendingLine typed last; 0 while idle.
+    int SendPos() const { return SendPos_; }
+    // Seconds counted since the last batch was queued.
+    int AddsSeconds() const { return AddsSeconds_; }
+    // Result of the last launch; non-zero means a server was launched.
+    std::uint32_t ServerHandle() const { return ServerHandle_; }
 
 private:
+    void SetTMRAddsEnabled(bool enabled);
+    void SetTMRSendEnabled(bool enabled);
     void QueueDueMessages();
     // Activates the console and types character number SendPos of PendingLine.
     void TypeCurrentCharacter();
@@ -76,6 +79,11 @@ private:
     Beeper& beeper_;
     MessageBoxes& messages_;
 
+    QString PendingLine_;
+    std::int16_t SendPos_ = 0;
+    std::int16_t AddsSeconds_ = 0;
+    QStringList LSTBuff_;
+    std::uint32_t ServerHandle_ = 0;
     bool addsEnabled_ = false;
     bool sendEnabled_ = false;
     // Time the current line has waited for the console's focus, in milliseconds.

@@ -4,15 +4,13 @@
 
 #include <cstdint>
 
-class Hostwarden;
-class QWidget;
-
 // Booleans kept in memory are 16-bit: 0 is false, -1 is true.
 using VBool = std::int16_t;
 constexpr VBool kTrue = -1;
 constexpr VBool kFalse = 0;
 
-// The application-wide record that lives for the whole run.
+// The application-wide record that lives for the whole run: the program's settings and
+// the working copy of the current configuration.
 struct AppState {
     // Settings application name; set first thing, used by every store access.
     QString AppName;
@@ -41,16 +39,4 @@ struct AppState {
     VBool weaponstay = kFalse;
     VBool forcespawn = kFalse;
     VBool balance = kFalse;
-
-    // Single instances of the windows; null while not loaded.
-    Hostwarden* MainWindow = nullptr;
-    QWidget* Setup = nullptr;
-    QWidget* Browse = nullptr;
-    QWidget* About = nullptr;
-    QWidget* ShippedMaps = nullptr;
-    QWidget* CopyConfig = nullptr;
-    QWidget* Mods = nullptr;
-    QWidget* MsgRate = nullptr;
-    QWidget* NewConf = nullptr;
-    QWidget* Text_Rate = nullptr;
 };

@@ -7,7 +7,6 @@
 #include <optional>
 
 class SettingsStore;
-struct Services;
 
 // Writes the first-run configuration into section "Default" and makes it the only
 // entry of the configuration list.
@@ -16,9 +15,6 @@ void CreateDefaultConfig(SettingsStore& store, const QString& app);
 // Writes the section named CurrentConf with the new-configuration defaults, replacing
 // a stored configuration of that name, and marks the configuration saved.
 void CreateNewConfig(SettingsStore& store, AppState& state);
-
-// The About window's "Fix Reg": asks, then deletes every setting and ends the program.
-void CMDReset_Click(Services& services, const AppState& state);
 
 // Reading rules for stored fields. A number is decimal text; a boolean is "true" or
 // "false" in any letter case. Anything else reads as nothing.

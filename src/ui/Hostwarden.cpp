@@ -1,29 +1,35 @@
 #include "ui/Hostwarden.h"
 
-#include "automation/AutoMessageHandlers.h"
 #include "automation/AutoMessages.h"
 #include "automation/ModPushKeys.h"
-#include "automation/RateHandlers.h"
-#include "options/OptionsHandlers.h"
 #include "platform/Services.h"
-#include "server/LaunchHandlers.h"
-#include "server/StartupHandlers.h"
-#include "settings/ConfigHandlers.h"
-#include "ui/ConfigFieldHandlers.h"
+#include "ui/automation/AutoMessageHandlers.h"
+#include "ui/automation/RateHandlers.h"
+#include "ui/server/LaunchHandlers.h"
+#include "ui/server/StartupHandlers.h"
+#include "ui/settings/ConfigFieldHandlers.h"
+#include "ui/settings/ConfigHandlers.h"
 #include "ui_Hostwarden.h"
 
 #include <QButtonGroup>
 #include <QCloseEvent>
 #include <QKeyEvent>
 
-Hostwarden::Hostwarden(AppState& state, Services& services, QWidget* parent)
-    : QWidget(parent), app(state), services(services), ui(std::make_unique<Ui::Hostwarden>()) {
+Hostwarden::Hostwarden(AppState& state, WindowRegistry& windows, Services& services,
+                       QWidget* parent)
+    : QWidget(parent), app(state), forms(windows), services(services),
+      ui(std::make_unique<Ui::Hostwarden>()) {
     ui->setupUi(this);
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
     setFixedSize(791, 504);
+    for (QTimer* timer : {&Timer1, &TMRAdds, &TMRSend})
+        timer->setParent(this);
+    Timer1.setObjectName(QStringLiteral("Timer1"));
+    TMRAdds.setObjectName(QStringLiteral("TMRAdds"));
+    TMRSend.setObjectName(QStringLiteral("TMRSend"));
     TXTMess = {ui->TXTMess_0, ui->TXTMess_1, ui->TXTMess_2, ui->TXTMess_3};
 
-    gameType = new QButtonGroup(this);
+    auto* gameType = new QButtonGroup(this);
     gameType->setExclusive(true);
     for (auto* option : {ui->OPTCTF, ui->OPTDM, ui->OPTTDM})
         gameType->addButton(option);
@@ -31,17 +37,37 @@ Hostwarden::Hostwarden(AppState& state, Services& services, QWidget* parent)
     Timer1.setInterval(MessageSecondMs());
     TMRAdds.setInterval(MessageSecondMs());
     TMRSend.setInterval(110);
-    keys = std::make_unique<ModPushKeys>(services.keyboard);
-    messageHost = std::make_unique<MainWindowMessageHost>(*this);
-    automation =
-        std::make_unique<AutoMessages>(*messageHost, app, services.windows, *keys, services.random,
-                                       services.beeper, services.messages);
+    keys_ = std::make_unique<ModPushKeys>(services.keyboard);
+    messageHost_ = std::make_unique<MainWindowMessageHost>(*this);
+    automation_ = std::make_unique<AutoMessages>(*messageHost_, app, services.windows, *keys_,
+                                                 services.random, services.beeper,
+                                                 services.messages);
 
     Connect();
     Timer1.start();
 }
 
 Hostwarden::~Hostwarden() = default;
+
+int Hostwarden::TextRate() const {
+    return TMRSend.interval();
+}
+
+void Hostwarden::SetTextRate(int ms) {
+    TMRSend.setInterval(ms);
+}
+
+const AutoMessages& Hostwarden::Automation() const {
+    return *automation_;
+}
+
+void Hostwarden::ForgetServer() {
+    automation_->ForgetServer();
+}
+
+void Hostwarden::ServerLaunched(std::uint32_t handle) {
+    automation_->ServerLaunched(handle);
+}
 
 void Hostwarden::Connect() {
     auto* w = this;
@@ -94,10 +120,10 @@ void Hostwarden::Connect() {
     connect(ui->CMDMsgRate, &QAbstractButton::clicked, this, [w] { CMDMsgRate_Click(*w); });
 
     connect(ui->CHKMessage, &QAbstractButton::toggled, this,
-            [w](bool checked) { w->automation->CHKMessage_Click(checked); });
-    connect(&Timer1, &QTimer::timeout, this, [w] { w->automation->Timer1_Timer(); });
-    connect(&TMRAdds, &QTimer::timeout, this, [w] { w->automation->TMRAdds_Timer(); });
-    connect(&TMRSend, &QTimer::timeout, this, [w] { w->automation->TMRSend_Timer(); });
+            [w](bool checked) { w->automation_->CHKMessage_Click(checked); });
+    connect(&Timer1, &QTimer::timeout, this, [w] { w->automation_->Timer1_Timer(); });
+    connect(&TMRAdds, &QTimer::timeout, this, [w] { w->automation_->TMRAdds_Timer(); });
+    connect(&TMRSend, &QTimer::timeout, this, [w] { w->automation_->TMRSend_Timer(); });
 
     ui->TXTConfName->installEventFilter(this);
     ui->Image1->installEventFilter(this);

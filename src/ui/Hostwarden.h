@@ -15,38 +15,50 @@ class Hostwarden;
 class AutoMessages;
 class MainWindowMessageHost;
 class ModPushKeys;
-class QButtonGroup;
 class QLineEdit;
 struct Services;
+struct WindowRegistry;
 
-// The main window. It creates its controls and connects their signals to the
-// handlers; the handlers themselves live with the subsystem they belong to.
+// The main window. It creates its controls and connects their signals to the handlers
+// under ui/<subsystem>/; the handlers reach the controls through `ui`.
 class Hostwarden : public QWidget {
     Q_OBJECT
 public:
-    Hostwarden(AppState& state, Services& services, QWidget* parent = nullptr);
+    Hostwarden(AppState& state, WindowRegistry& windows, Services& services,
+               QWidget* parent = nullptr);
     ~Hostwarden() override;
 
     AppState& app;
+    WindowRegistry& forms;
     Services& services;
     std::unique_ptr<Ui::Hostwarden> ui;
+    // The four message boxes TXTMess(0) to TXTMess(3).
     std::array<QLineEdit*, 4> TXTMess{};
-    QButtonGroup* gameType = nullptr;
 
-    QTimer Timer1;
-    QTimer TMRAdds;
-    QTimer TMRSend;
+    // Milliseconds between typed characters: the interval of TMRSend.
+    int TextRate() const;
+    void SetTextRate(int ms);
 
-    std::unique_ptr<ModPushKeys> keys;
-    std::unique_ptr<MainWindowMessageHost> messageHost;
-    // The automatic messages: the hidden queue LSTBuff, the line being typed and the
-    // launch result ServerHandle live there.
-    std::unique_ptr<AutoMessages> automation;
+    // The automatic messages, read-only: the hidden queue LSTBuff, the line being typed
+    // and the launch result ServerHandle.
+    const AutoMessages& Automation() const;
+    // A launch begins, and ends with a started server (non-zero) or none.
+    void ForgetServer();
+    void ServerLaunched(std::uint32_t handle);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    friend class MainWindowMessageHost;
     void Connect();
+
+    // The window's timers are its children, named as the controls they stand for.
+    QTimer Timer1;
+    QTimer TMRAdds;
+    QTimer TMRSend;
+    std::unique_ptr<ModPushKeys> keys_;
+    std::unique_ptr<MainWindowMessageHost> messageHost_;
+    std::unique_ptr<AutoMessages> automation_;
 };

@@ -1,6 +1,6 @@
 #include "ui/RateDialogs.h"
 
-#include "automation/RateHandlers.h"
+#include "ui/automation/RateHandlers.h"
 #include "ui_MsgRate.h"
 #include "ui_Text_Rate.h"
 

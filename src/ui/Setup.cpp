@@ -1,13 +1,14 @@
 #include "ui/Setup.h"
 
-#include "server/SetupHandlers.h"
+#include "ui/server/SetupHandlers.h"
 #include "ui/DialogProtocol.h"
 #include "ui_Setup.h"
 
 #include <QCloseEvent>
 
-Setup::Setup(AppState& state, Services& services, QWidget* parent)
-    : QWidget(parent), app(state), services(services), ui(std::make_unique<Ui::Setup>()) {
+Setup::Setup(AppState& state, WindowRegistry& windows, Services& services, QWidget* parent)
+    : QWidget(parent), app(state), forms(windows), services(services),
+      ui(std::make_unique<Ui::Setup>()) {
     ui->setupUi(this);
     PrepareDialog(this);
     auto* w = this;

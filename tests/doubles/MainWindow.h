@@ -3,13 +3,15 @@
 #include "TestServices.h"
 
 #include "automation/AutoMessages.h"
-#include "options/OptionsHandlers.h"
-#include "server/StartupHandlers.h"
+#include "ui/options/OptionsHandlers.h"
+#include "ui/server/StartupHandlers.h"
 #include "settings/ServerConfig.h"
 #include "ui/Hostwarden.h"
+#include "ui/WindowRegistry.h"
 #include "ui_Hostwarden.h"
 
 #include <QListWidget>
+#include <QTimer>
 
 #include <memory>
 
@@ -17,6 +19,7 @@
 struct MainWindow {
     TestServices t;
     AppState app;
+    WindowRegistry forms;
     std::unique_ptr<Hostwarden> w;
 
     // Seeds nothing: call Seed* first, then Load().
@@ -31,12 +34,13 @@ struct MainWindow {
     }
 
     Hostwarden& Load() {
-        w = std::make_unique<Hostwarden>(app, t.services);
+        w = std::make_unique<Hostwarden>(app, forms, t.services);
         Hostwarden_Form_Load(*w);
         return *w;
     }
 
     Ui::Hostwarden& ui() { return *w->ui; }
+    QTimer* timer(const char* name) { return w->findChild<QTimer*>(QLatin1String(name)); }
     QString Text() const { return OptionsText(*w); }
     QStringList Maps() const { return MapList(*w); }
     void AddMaps(const QStringList& maps) { w->ui->LSTMaps->addItems(maps); }

@@ -1,7 +1,7 @@
 #include "RecordingKeyboard.h"
 
 #include "automation/KeySender.h"
-#include "automation/UsLayout.h"
+#include "platform/UsLayout.h"
 
 #include <QStringList>
 

@@ -1,7 +1,8 @@
 #include "platform/x11/X11Keyboard.h"
 
-#include "automation/KeySender.h"
-#include "automation/UsLayout.h"
+#include "platform/KeySendError.h"
+#include "platform/UsLayout.h"
+#include "platform/x11/XConnectionLoss.h"
 
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
@@ -9,40 +10,11 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <mutex>
-#include <set>
 #include <string>
 #include <thread>
 #include <utility>
 
 namespace {
-
-// Xlib ends the process when a connection breaks. For the connections this backend opens, the
-// break is reported as a failed key instead; other connections keep the handler they had.
-std::mutex gOwnDisplaysMutex;
-std::set<Display*> gOwnDisplays;
-XIOErrorHandler gPreviousHandler = nullptr;
-
-int OnConnectionBroken(Display* display) {
-    {
-        const std::lock_guard lock(gOwnDisplaysMutex);
-        if (gOwnDisplays.count(display))
-            return 0;
-    }
-    return gPreviousHandler ? gPreviousHandler(display) : 0;
-}
-
-void WatchConnection(Display* display) {
-    static std::once_flag installed;
-    std::call_once(installed, [] { gPreviousHandler = XSetIOErrorHandler(&OnConnectionBroken); });
-    const std::lock_guard lock(gOwnDisplaysMutex);
-    gOwnDisplays.insert(display);
-}
-
-void ForgetConnection(Display* display) {
-    const std::lock_guard lock(gOwnDisplaysMutex);
-    gOwnDisplays.erase(display);
-}
 
 // Virtual keys outside the runs of letters, digits, keypad digits and function keys.
 constexpr std::pair<std::uint8_t, KeySym> kNamedKeysyms[] = {
@@ -146,8 +118,8 @@ Display* X11Keyboard::Connection() {
         throw KeySendError("The X server has no XTest extension");
     }
     lost_ = false;
-    WatchConnection(display_);
-    XSetIOErrorExitHandler(display_, &X11Keyboard::ConnectionLost, this);
+    // A broken connection is reported as a failed key instead of ending the process.
+    SurviveConnectionLoss(display_, &X11Keyboard::ConnectionLost, this);
     return display_;
 }
 

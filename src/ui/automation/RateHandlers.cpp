@@ -1,10 +1,12 @@
-#include "automation/RateHandlers.h"
+#include "ui/automation/RateHandlers.h"
 
 #include "platform/Services.h"
 #include "platform/SettingsStore.h"
+#include "server/AppState.h"
 #include "ui/DialogProtocol.h"
 #include "ui/Hostwarden.h"
 #include "ui/RateDialogs.h"
+#include "ui/WindowRegistry.h"
 #include "ui_MsgRate.h"
 #include "ui_Text_Rate.h"
 
@@ -19,7 +21,7 @@ void SaveStartup(Hostwarden& w, const QString& key, int value) {
 
 void CMDTextRate_Click(Hostwarden& w) {
     auto* d = new Text_Rate(w);
-    w.app.Text_Rate = d;
+    w.forms.Text_Rate = d;
     Text_Rate_Form_Load(*d);
     OpenDialog(&w, d, StartPosition::SystemDefault);
 }
@@ -28,7 +30,7 @@ void Text_Rate_Form_Load(Text_Rate& d) {
     QSlider* slider = d.ui->SlideTextRate;
     slider->setMaximum(QStringLiteral("210").toInt());
     slider->setMinimum(QStringLiteral("10").toInt());
-    slider->setValue(d.main.TMRSend.interval());
+    slider->setValue(d.main.TextRate());
     SlideTextRate_Change(d);
 }
 
@@ -40,18 +42,18 @@ void SlideTextRate_Change(Text_Rate& d) {
 void Text_Rate_Command1_Click(Text_Rate& d) {
     Hostwarden& w = d.main;
     const int rate = d.ui->SlideTextRate->value();
-    w.TMRSend.setInterval(rate);
+    w.SetTextRate(rate);
     SaveStartup(w, QStringLiteral("TextRate"), rate);
-    CloseDialog(&w, w.app.Text_Rate);
+    CloseDialog(&w, w.forms.Text_Rate);
 }
 
 void Text_Rate_Command2_Click(Text_Rate& d) {
-    CloseDialog(&d.main, d.main.app.Text_Rate);
+    CloseDialog(&d.main, d.main.forms.Text_Rate);
 }
 
 void CMDMsgRate_Click(Hostwarden& w) {
     auto* d = new MsgRate(w);
-    w.app.MsgRate = d;
+    w.forms.MsgRate = d;
     MsgRate_Form_Load(*d);
     OpenDialog(&w, d, StartPosition::SystemDefault);
 }
@@ -72,9 +74,9 @@ void SLDMsgRate_Change(MsgRate& d) {
 void MsgRate_CMDOK_Click(MsgRate& d) {
     Hostwarden& w = d.main;
     SaveStartup(w, QStringLiteral("MsgRate"), d.ui->SLDMsgRate->value());
-    CloseDialog(&w, w.app.MsgRate);
+    CloseDialog(&w, w.forms.MsgRate);
 }
 
 void MsgRate_CMDCancel_Click(MsgRate& d) {
-    CloseDialog(&d.main, d.main.app.MsgRate);
+    CloseDialog(&d.main, d.main.forms.MsgRate);
 }

@@ -1,4 +1,4 @@
-#include "server/SetupHandlers.h"
+#include "ui/server/SetupHandlers.h"
 
 #include "platform/MessageBoxes.h"
 #include "platform/ProcessEnd.h"
@@ -6,11 +6,12 @@
 #include "platform/SettingsStore.h"
 #include "platform/WindowServices.h"
 #include "server/AppState.h"
-#include "server/StartupHandlers.h"
+#include "ui/server/StartupHandlers.h"
 #include "settings/ProjectInfo.h"
 #include "settings/ServerConfig.h"
 #include "ui/Hostwarden.h"
 #include "ui/Setup.h"
+#include "ui/WindowRegistry.h"
 #include "ui_Setup.h"
 
 #include <QGuiApplication>
@@ -63,17 +64,18 @@ void Setup_CMDOK_Click(Setup& s) {
     if (app.SetupDone.isEmpty())
         CreateDefaultConfig(store, app.AppName);
 
-    if (!app.MainWindow) {
-        app.MainWindow = new Hostwarden(app, s.services);
-        Hostwarden_Form_Load(*app.MainWindow);
+    WindowRegistry& forms = s.forms;
+    if (!forms.MainWindow) {
+        forms.MainWindow = new Hostwarden(app, forms, s.services);
+        Hostwarden_Form_Load(*forms.MainWindow);
     }
-    CentreOnScreen(app.MainWindow);
-    app.MainWindow->show();
-    s.services.windows.SetMainWindow(static_cast<WindowHandle>(app.MainWindow->winId()));
+    CentreOnScreen(forms.MainWindow);
+    forms.MainWindow->show();
+    s.services.windows.SetMainWindow(static_cast<WindowHandle>(forms.MainWindow->winId()));
 
     s.hide();
-    if (app.Setup == &s)
-        app.Setup = nullptr;
+    if (forms.Setup == &s)
+        forms.Setup = nullptr;
     s.deleteLater();
 }
 

@@ -1,6 +1,6 @@
-#include "ui/ConfigFieldHandlers.h"
+#include "ui/settings/ConfigFieldHandlers.h"
 
-#include "options/OptionsHandlers.h"
+#include "ui/options/OptionsHandlers.h"
 #include "platform/Beeper.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Services.h"

@@ -5,10 +5,11 @@
 #include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11WindowServices.h"
 #include "server/AppState.h"
-#include "server/SetupHandlers.h"
+#include "ui/server/SetupHandlers.h"
 #include "settings/IniSettingsStore.h"
 #include "settings/ProjectInfo.h"
 #include "ui/Setup.h"
+#include "ui/WindowRegistry.h"
 
 #include <QApplication>
 #include <QFont>
@@ -42,10 +43,11 @@ int main(int argc, char** argv) {
     Services services{store, messages, beeper, end, random, launcher, windows, keyboard};
 
     AppState state;
-    auto* setup = new Setup(state, services);
-    state.Setup = setup;
+    WindowRegistry forms;
+    auto* setup = new Setup(state, forms, services);
+    forms.Setup = setup;
     Setup_Form_Load(*setup);
-    if (state.Setup) {
+    if (forms.Setup) {
         // First run: the Setup window waits for the game directory.
         setup->move(setup->screen()->availableGeometry().center() - setup->rect().center());
         setup->show();

@@ -1,4 +1,4 @@
-#include "options/OptionsHandlers.h"
+#include "ui/options/OptionsHandlers.h"
 
 #include "options/OptionsText.h"
 #include "platform/MessageBoxes.h"

@@ -1,4 +1,4 @@
-#include "automation/UsLayout.h"
+#include "platform/UsLayout.h"
 
 #include <array>
 #include <string_view>

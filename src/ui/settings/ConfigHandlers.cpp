@@ -1,6 +1,6 @@
-#include "settings/ConfigHandlers.h"
+#include "ui/settings/ConfigHandlers.h"
 
-#include "options/OptionsHandlers.h"
+#include "ui/options/OptionsHandlers.h"
 #include "platform/Beeper.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Services.h"

@@ -1,6 +1,6 @@
-#include "automation/AutoMessageHandlers.h"
+#include "ui/automation/AutoMessageHandlers.h"
 
-#include "server/LaunchHandlers.h"
+#include "ui/server/LaunchHandlers.h"
 #include "ui/Hostwarden.h"
 #include "ui_Hostwarden.h"
 

@@ -1,10 +1,10 @@
-#include "server/StartupHandlers.h"
+#include "ui/server/StartupHandlers.h"
 
 #include "automation/Rates.h"
-#include "options/OptionsHandlers.h"
+#include "ui/options/OptionsHandlers.h"
 #include "platform/Services.h"
 #include "platform/SettingsStore.h"
-#include "settings/ConfigHandlers.h"
+#include "ui/settings/ConfigHandlers.h"
 #include "ui/Hostwarden.h"
 #include "ui_Hostwarden.h"
 
@@ -77,7 +77,7 @@ void Hostwarden_Form_Load(Hostwarden& w) {
     ui.LSTConfig->setCurrentIndex(0);
 
     const QString textRate = Startup(w, QStringLiteral("TextRate"));
-    w.TMRSend.setInterval(textRate.isEmpty() ? kDefaultTextRate : ClampTextRate(textRate));
+    w.SetTextRate(textRate.isEmpty() ? kDefaultTextRate : ClampTextRate(textRate));
     const QString msgRate = Startup(w, QStringLiteral("MsgRate"));
     w.app.MessageRate = msgRate.isEmpty() ? kDefaultMessageRate : ClampMessageRate(msgRate);
 

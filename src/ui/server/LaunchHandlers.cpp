@@ -1,14 +1,13 @@
-#include "server/LaunchHandlers.h"
+#include "ui/server/LaunchHandlers.h"
 
-#include "automation/AutoMessages.h"
 #include "automation/Module2.h"
-#include "options/OptionsHandlers.h"
+#include "ui/options/OptionsHandlers.h"
 #include "platform/Beeper.h"
 #include "platform/MessageBoxes.h"
 #include "platform/ProcessEnd.h"
 #include "platform/Services.h"
 #include "server/StartProgram.h"
-#include "settings/ConfigHandlers.h"
+#include "ui/settings/ConfigHandlers.h"
 #include "ui/Hostwarden.h"
 #include "ui_Hostwarden.h"
 
@@ -27,7 +26,7 @@ QString ServerCommandLine(const Hostwarden& w) {
 
 void CMDLaunch_Click(Hostwarden& w) {
     auto& ui = *w.ui;
-    w.automation->ServerHandle = 0;
+    w.ForgetServer();
     CloseWindowByTitle(w.services.windows, kServerWindowTitle);
     // A server started on a stale options file would not run what the operator sees.
     if (!Write_File(w))
@@ -58,14 +57,13 @@ void CMDLaunch_Click(Hostwarden& w) {
     // take the server for launched.
     if (started <= 32 && fallback <= 32)
         started = 0;
-    w.automation->ServerHandle = static_cast<std::uint32_t>(started);
+    w.ServerLaunched(static_cast<std::uint32_t>(started));
     if (started == 0) {
         w.services.messages.Show({QStringLiteral("RedFaction Dedicated Server Filed to Launch"),
                                   QStringLiteral("Dedicated Server Error"), MsgButtons::OK,
                                   MsgIcon::None, MsgDefault::First});
         return;
     }
-    w.automation->SetTMRAddsEnabled(true);
 }
 
 void CMDExit_Click(Hostwarden& w) {

@@ -1,0 +1,28 @@
+# Fails when a source of the core library includes a Qt Widgets header, a generated form
+# header (ui_*.h) or anything under ui/. Run by CTest:
+#   cmake -DSOURCE_DIR=<src> -DSOURCES=<a|b|...> -DWIDGETS_DIR=<QtWidgets include dir> -P
+cmake_policy(SET CMP0057 NEW)
+string(REPLACE "|" ";" sources "${SOURCES}")
+file(GLOB widget_headers RELATIVE "${WIDGETS_DIR}" "${WIDGETS_DIR}/*")
+if(NOT widget_headers)
+    message(FATAL_ERROR "No Qt Widgets headers found in '${WIDGETS_DIR}'")
+endif()
+set(faults "")
+foreach(source IN LISTS sources)
+    file(STRINGS "${SOURCE_DIR}/${source}" lines REGEX "^[ \t]*#[ \t]*include")
+    foreach(line IN LISTS lines)
+        if(NOT line MATCHES "#[ \t]*include[ \t]*[<\"]([^>\"]+)[>\"]")
+            continue()
+        endif()
+        set(header "${CMAKE_MATCH_1}")
+        get_filename_component(name "${header}" NAME)
+        if(header MATCHES "^(ui/|QtWidgets/)" OR name MATCHES "^ui_.*\\.h$"
+           OR (NOT header MATCHES "/" AND header IN_LIST widget_headers))
+            string(APPEND faults "\n  ${source}: ${line}")
+        endif()
+    endforeach()
+endforeach()
+if(faults)
+    message(FATAL_ERROR "The core library must not depend on the gui:${faults}")
+endif()
+message(STATUS "Checked: core sources include no Widgets, form or ui/ header")
