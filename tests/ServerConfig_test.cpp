@@ -6,30 +6,14 @@
 
 namespace {
 
-const QStringList kFirstRun = {
-    "gametype=CTF",
-    "servname=$Me's Dedicated CTF Running Hostwarden 2.0",
-    "name=Default",
-    "maxplayers=16",
-    "password=",
-    "rconpass=",
-    "maxtime=30",
-    "maxcaps=5",
-    "maxkills=50",
-    "maxgeo=128",
-    "teamdamage=false",
-    "forcespawn=false",
-    "balance=true",
-    "weaponstay=false",
-    "falldamage=true",
-    "default=1",
-    "Text0=This Dedicated Server is running with Hostwarden 2.0 by Velloquin",
-    "Text1=Visit " + kProjectAddress + " for updates.",
-    "Text2=",
-    "Text3=",
-    "MessageOn=1",
-    "MapCount=0",
-};
+// The first-run configuration as the store holds it, key by key in the order written.
+const QStringList kFirstRun =
+    ("gametype=CTF|servname=$Me's Dedicated CTF Running Hostwarden 2.0|name=Default|"
+     "maxplayers=16|password=|rconpass=|maxtime=30|maxcaps=5|maxkills=50|maxgeo=128|"
+     "teamdamage=false|forcespawn=false|balance=true|weaponstay=false|falldamage=true|default=1|"
+     "Text0=This Dedicated Server is running with Hostwarden 2.0 by Velloquin|Text1=Visit " +
+     kProjectAddress + " for updates.|Text2=|Text3=|MessageOn=1|MapCount=0")
+        .split('|');
 
 TEST(CreateDefaultConfig, WritesTheFirstRunSectionAndTheList) {
     TestServices t;
