@@ -9,150 +9,72 @@
 namespace {
 
 using Post = FakeWindowServices::Post;
+const char* const kTitle = "Red Faction Dedicated Server";
 
-// One top-level window of a scripted desktop. Kind: ' ' an ordinary window, 'M' the
-// main window, 'o' a window owned by the main window, 'x' owned by another window,
-// 'd' disabled (showing a modal dialog).
-struct Win {
-    const char* title;
-    char kind = ' ';
-};
+// The walk asks the first eligible window whose title holds the needle to close, and lets the
+// main window's events run after each window it steps past, never after asking.
+TEST(CloseWindowByTitle, AsksOnlyTheFirstEligibleMatchToClose) {
+    const struct {
+        const char* name;
+        const char* needle;
+        // Top window first, separated by "|", each title after its kind: ' ' an ordinary
+        // window, 'M' the main window, 'o' owned by the main window, 'x' owned by another
+        // window, 'd' disabled (showing a modal dialog), 'v' destroyed while the events run.
+        // "RFDS" stands for the server's title.
+        const char* desktop;
+        int closed; // index of the window asked to close, -1 for none
+        int events; // windows stepped past
+    } rows[] = {
+        {"ExactTitle", "RFDS", " xterm| RFDS|MHostwarden", 1, 1},
+        {"TitleInCapitals", "RFDS", " RED FACTION DEDICATED SERVER|MHostwarden", 0, 0},
+        {"TextBeforeAndAfter", "RFDS", "MHostwarden| my red faction dedicated server log", 1, 1},
+        {"NeedleInOtherCase", "RED faction DEDICATED server", " RFDS|MHostwarden", 0, 0},
+        {"OnlyTheUpperOfTwo", "RFDS", " Editor| RFDS| RFDS|MHostwarden", 1, 1},
+        {"PartOfTheTitleOnly", "RFDS", " Red Faction Dedicated| Dedicated Server|MHostwarden", -1,
+         3},
+        {"NoWindows", "RFDS", "", -1, 0},
+        {"EmptyTitlesNeverMatch", "", " | | RFDS|MHostwarden", 2, 2},
+        {"DisabledMatchStopsTheWalk", "RFDS", "dRFDS| RFDS|MHostwarden", -1, 0},
+        {"MainWindowNeverClosed", "Hostwarden", "MHostwarden - RFDS| Hostwarden copy", -1, 0},
+        {"MatchingMainWindowHidesTheServer", "RFDS", "MRFDS setup| RFDS", -1, 0},
+        {"OwnedByMainNeverClosed", "RFDS", "oAbout RFDS| RFDS|MHostwarden", -1, 0},
+        {"OwnedByAnotherWindowIsClosed", "RFDS", "xRFDS|MHostwarden", 0, 0},
+        // The walk has already stepped to the window when it goes.
+        {"VanishedWindowIsSkipped", "RFDS", "MHostwarden|vRFDS| RFDS (2)", 2, 2},
+    };
+    const auto expand = [](const char* text) { return QString(text).replace("RFDS", kTitle); };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        FakeWindowServices fake;
+        const WindowHandle stranger = 7, mainPlaceholder = 1;
+        const QStringList desktop = expand(row.desktop).split('|', Qt::SkipEmptyParts);
+        std::vector<WindowHandle> handles;
+        for (const QString& w : desktop) {
+            const WindowHandle owner = w[0] == 'o' ? mainPlaceholder : w[0] == 'x' ? stranger : 0;
+            handles.push_back(fake.Add(w.mid(1), owner, w[0] == 'd' ? WS_DISABLED : 0));
+            if (w[0] == 'M')
+                fake.mainWindow = handles.back();
+        }
+        for (auto& w : fake.windows)
+            if (w.owner == mainPlaceholder)
+                w.owner = fake.mainWindow;
+        int events = 0;
+        fake.onPendingEvents = [&] {
+            ++events;
+            EXPECT_TRUE(fake.posts.isEmpty()) << "events ran after the request";
+            for (qsizetype i = 0; i < desktop.size(); ++i)
+                if (desktop[i][0] == 'v')
+                    fake.Vanish(handles[i]);
+        };
 
-struct Row {
-    const char* name;
-    const char* needle;
-    std::vector<Win> desktop; // top first
-    int closed;               // index of the window asked to close, -1 for none
-};
+        CloseWindowByTitle(fake, expand(row.needle));
 
-const Row kRows[] = {
-    {"ExactTitle",
-     "Red Faction Dedicated Server",
-     {{"xterm"}, {"Red Faction Dedicated Server"}, {"Hostwarden", 'M'}},
-     1},
-    {"TitleInCapitals",
-     "Red Faction Dedicated Server",
-     {{"RED FACTION DEDICATED SERVER"}, {"Hostwarden", 'M'}},
-     0},
-    {"TextBeforeAndAfter",
-     "Red Faction Dedicated Server",
-     {{"Hostwarden", 'M'}, {"my red faction dedicated server log"}},
-     1},
-    {"NeedleInOtherCase",
-     "RED faction DEDICATED server",
-     {{"Red Faction Dedicated Server"}, {"Hostwarden", 'M'}},
-     0},
-    {"OnlyTheUpperOfTwo",
-     "Red Faction Dedicated Server",
-     {{"Editor"},
-      {"Red Faction Dedicated Server"},
-      {"Red Faction Dedicated Server"},
-      {"Hostwarden", 'M'}},
-     1},
-    {"PartOfTheTitleOnly",
-     "Red Faction Dedicated Server",
-     {{"Red Faction Dedicated"}, {"Dedicated Server"}, {"Hostwarden", 'M'}},
-     -1},
-    {"NoWindows", "Red Faction Dedicated Server", {}, -1},
-    {"EmptyTitlesNeverMatch",
-     "",
-     {{""}, {""}, {"Red Faction Dedicated Server"}, {"Hostwarden", 'M'}},
-     2},
-    {"DisabledMatchStopsTheWalk",
-     "Red Faction Dedicated Server",
-     {{"Red Faction Dedicated Server", 'd'}, {"Red Faction Dedicated Server"}, {"Hostwarden", 'M'}},
-     -1},
-    {"MainWindowNeverClosed",
-     "Hostwarden",
-     {{"Hostwarden - Red Faction Dedicated Server", 'M'}, {"Hostwarden copy"}},
-     -1},
-    {"MatchingMainWindowHidesTheServer",
-     "Red Faction Dedicated Server",
-     {{"Red Faction Dedicated Server setup", 'M'}, {"Red Faction Dedicated Server"}},
-     -1},
-    {"OwnedByMainNeverClosed",
-     "Red Faction Dedicated Server",
-     {{"About Red Faction Dedicated Server", 'o'},
-      {"Red Faction Dedicated Server"},
-      {"Hostwarden", 'M'}},
-     -1},
-    {"OwnedByAnotherWindowIsClosed",
-     "Red Faction Dedicated Server",
-     {{"Red Faction Dedicated Server", 'x'}, {"Hostwarden", 'M'}},
-     0},
-};
-
-class CloseWindowByTitleTest : public testing::TestWithParam<Row> {};
-
-TEST_P(CloseWindowByTitleTest, AsksOnlyTheFirstEligibleMatchToClose) {
-    const Row& row = GetParam();
-    FakeWindowServices fake;
-    const WindowHandle stranger = 7;
-    fake.mainWindow = 1; // placeholder until the main window is added
-    std::vector<WindowHandle> handles;
-    for (const Win& w : row.desktop) {
-        const WindowHandle owner = w.kind == 'o' ? WindowHandle(1) : w.kind == 'x' ? stranger : 0;
-        handles.push_back(fake.Add(w.title, owner, w.kind == 'd' ? WS_DISABLED : 0));
-        if (w.kind == 'M')
-            fake.mainWindow = handles.back();
+        QList<Post> expected;
+        if (row.closed >= 0)
+            expected = {{handles[row.closed], WM_CANCELMODE}, {handles[row.closed], WM_CLOSE}};
+        EXPECT_EQ(fake.posts, expected);
+        EXPECT_EQ(events, row.events);
     }
-    for (auto& w : fake.windows)
-        if (w.owner == 1)
-            w.owner = fake.mainWindow;
-
-    CloseWindowByTitle(fake, row.needle);
-
-    QList<Post> expected;
-    if (row.closed >= 0)
-        expected = {{handles[row.closed], WM_CANCELMODE}, {handles[row.closed], WM_CLOSE}};
-    EXPECT_EQ(fake.posts, expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(Desktops, CloseWindowByTitleTest, testing::ValuesIn(kRows),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-TEST(CloseWindowByTitle, LetsPendingEventsRunAfterEachWindowItStepsPast) {
-    FakeWindowServices fake;
-    fake.mainWindow = fake.Add("Hostwarden");
-    fake.Add("xterm");
-    const WindowHandle server = fake.Add("Red Faction Dedicated Server");
-    fake.Add("Red Faction Dedicated Server");
-    QList<int> postsSeenByEvents;
-    fake.onPendingEvents = [&] { postsSeenByEvents.append(int(fake.posts.size())); };
-
-    CloseWindowByTitle(fake, kServerWindowTitle);
-
-    // Two windows stepped past before the match, and the requests come after them.
-    EXPECT_EQ(postsSeenByEvents, (QList<int>{0, 0}));
-    EXPECT_EQ(fake.posts, (QList<Post>{{server, WM_CANCELMODE}, {server, WM_CLOSE}}));
-}
-
-TEST(CloseWindowByTitle, WalksToTheBottomWhenNothingMatches) {
-    FakeWindowServices fake;
-    fake.mainWindow = fake.Add("Hostwarden");
-    fake.Add("xterm");
-    fake.Add("");
-    int events = 0;
-    fake.onPendingEvents = [&] { ++events; };
-
-    CloseWindowByTitle(fake, kServerWindowTitle);
-
-    EXPECT_EQ(events, 3);
-    EXPECT_TRUE(fake.posts.isEmpty());
-}
-
-TEST(CloseWindowByTitle, SkipsAWindowThatVanishedWhileEventsRan) {
-    FakeWindowServices fake;
-    fake.mainWindow = fake.Add("Hostwarden");
-    const WindowHandle server = fake.Add("Red Faction Dedicated Server");
-    const WindowHandle second = fake.Add("Red Faction Dedicated Server (2)");
-    // The server exits while the walk lets the main window's events run, after the
-    // walk has already stepped to it.
-    fake.onPendingEvents = [&] { fake.Vanish(server); };
-
-    CloseWindowByTitle(fake, kServerWindowTitle);
-
-    EXPECT_EQ(fake.posts, (QList<Post>{{second, WM_CANCELMODE}, {second, WM_CLOSE}}));
 }
 
 TEST(ActivateServerWindow, ActivatesByTheServerTitleAndPassesFailureOn) {

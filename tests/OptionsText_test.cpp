@@ -25,84 +25,65 @@ AppState WorkedExample() {
     return s;
 }
 
-const char kWorkedExample[] = "#Dedicated Server Options\r\n"
-                              "$Name:           \"Default\"\r\n"
-                              "$Server Name:    \"$Me's Dedicated CTF Running Hostwarden 2.0\"\r\n"
-                              "$Game Type:      \"CTF\"\r\n"
-                              "$Max Players:    16\r\n"
-                              "$Password:       \"\"\r\n"
-                              "$Rcon Password:  \"\"\r\n"
-                              "$Max Time:       30\r\n"
-                              "$Max Kills:      50\r\n"
-                              "$Max Captures:   5\r\n"
-                              "$Geomod Limit:   128\r\n"
-                              "$Team Damage:    False\r\n"
-                              "$Fall Damage:    True\r\n"
-                              "$Weapons Stay:    False\r\n"
-                              "$Force Respawn:  False\r\n"
-                              "$Balance Teams:  True\r\n";
-
-QByteArray ReadAll(const QString& path) {
-    QFile f(path);
-    EXPECT_TRUE(f.open(QIODevice::ReadOnly)) << path.toStdString();
-    return f.readAll();
-}
-
-} // namespace
-
+// The maps follow in list order, quoted as they stand; the file is Windows-1252 text and
+// replaces a longer old one.
 TEST(OptionsText, WorkedExampleIsWrittenByteForByte) {
     QTemporaryDir dir;
     const QString gameDir = dir.path() + "/";
-    QString error;
-    ASSERT_TRUE(WriteOptionsFile(gameDir, ComposeOptionsText(WorkedExample(), {}), &error));
-    EXPECT_EQ(ReadAll(gameDir + "dedicated_server.txt"), QByteArray(kWorkedExample));
-}
+    QFile old(gameDir + "dedicated_server.txt");
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write(QByteArray(5000, 'x')) == 5000);
+    old.close();
 
-TEST(OptionsText, MapsFollowInListOrderQuotedAsTheyStand) {
-    const QString text = ComposeOptionsText(WorkedExample(), {"ctf01", "dm \"x\" 02"});
-    EXPECT_TRUE(text.endsWith("$Balance Teams:  True\r\n"
-                              "$Map:            \"ctf01\"\r\n"
-                              "$Map:            \"dm \"x\" 02\"\r\n"));
-    EXPECT_EQ(text.count("\r\n"), 18);
+    QString error;
+    ASSERT_TRUE(WriteOptionsFile(
+        gameDir, ComposeOptionsText(WorkedExample(), {"ctf01", "dm \"x\" 02", "é€ ✓ ß"}), &error))
+        << error.toStdString();
+    ASSERT_TRUE(old.open(QIODevice::ReadOnly));
+    EXPECT_EQ(old.readAll(), QByteArray("#Dedicated Server Options\r\n"
+                                        "$Name:           \"Default\"\r\n"
+                                        "$Server Name:    \"$Me's Dedicated CTF Running "
+                                        "Hostwarden 2.0\"\r\n"
+                                        "$Game Type:      \"CTF\"\r\n"
+                                        "$Max Players:    16\r\n"
+                                        "$Password:       \"\"\r\n"
+                                        "$Rcon Password:  \"\"\r\n"
+                                        "$Max Time:       30\r\n"
+                                        "$Max Kills:      50\r\n"
+                                        "$Max Captures:   5\r\n"
+                                        "$Geomod Limit:   128\r\n"
+                                        "$Team Damage:    False\r\n"
+                                        "$Fall Damage:    True\r\n"
+                                        "$Weapons Stay:    False\r\n"
+                                        "$Force Respawn:  False\r\n"
+                                        "$Balance Teams:  True\r\n"
+                                        "$Map:            \"ctf01\"\r\n"
+                                        "$Map:            \"dm \"x\" 02\"\r\n"
+                                        "$Map:            \"\xE9\x80 ? \xDF\"\r\n"));
 }
 
 TEST(OptionsText, ValuesAreRenderedAsTheFileExpects) {
-    struct Row {
+    const struct {
         const char* what;
         void (*change)(AppState&);
         const char* line;
-    };
-    const Row rows[] = {
-        {"name trimmed, blanks inside kept", [](AppState& s) { s.name = "  My Conf \t"; },
-         "$Name:           \"My Conf\"\r\n"},
-        {"empty limit leaves the label alone", [](AppState& s) { s.maxplayers = ""; },
-         "$Max Players:    \r\n"},
-        {"any non-zero boolean is True", [](AppState& s) { s.teamdamage = 1; },
-         "$Team Damage:    True\r\n"},
-        {"weapons stay value starts one column later", [](AppState& s) { s.weaponstay = kTrue; },
-         "$Weapons Stay:    True\r\n"},
-        {"quotes and line breaks are not escaped", [](AppState& s) { s.password = "a\"b\r\nc"; },
-         "$Password:       \"a\"b\r\nc\"\r\n"},
-        {"server name is not trimmed", [](AppState& s) { s.servname = " x "; },
-         "$Server Name:    \" x \"\r\n"},
-    };
-    for (const Row& row : rows) {
+    } rows[] = {{"name trimmed, blanks inside kept", [](AppState& s) { s.name = "  My Conf \t"; },
+                 "$Name:           \"My Conf\"\r\n"},
+                {"empty limit leaves the label alone", [](AppState& s) { s.maxplayers = ""; },
+                 "$Max Players:    \r\n"},
+                {"any non-zero boolean is True", [](AppState& s) { s.teamdamage = 1; },
+                 "$Team Damage:    True\r\n"},
+                {"weapons stay value starts one column later",
+                 [](AppState& s) { s.weaponstay = kTrue; }, "$Weapons Stay:    True\r\n"},
+                {"quotes and line breaks are not escaped",
+                 [](AppState& s) { s.password = "a\"b\r\nc"; },
+                 "$Password:       \"a\"b\r\nc\"\r\n"},
+                {"server name is not trimmed", [](AppState& s) { s.servname = " x "; },
+                 "$Server Name:    \" x \"\r\n"}};
+    for (const auto& row : rows) {
         AppState s = WorkedExample();
         row.change(s);
         EXPECT_TRUE(ComposeOptionsText(s, {}).contains(QString::fromUtf8(row.line))) << row.what;
     }
-}
-
-TEST(OptionsText, FileIsWindows1252AndReplacesALongerOldFile) {
-    QTemporaryDir dir;
-    const QString gameDir = dir.path() + "/";
-    QFile old(gameDir + "dedicated_server.txt");
-    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
-    old.write(QByteArray(5000, 'x'));
-    old.close();
-
-    ASSERT_TRUE(WriteOptionsFile(gameDir, QString::fromUtf8("é€ ✓ ß\r\n"), nullptr));
-    EXPECT_EQ(ReadAll(gameDir + "dedicated_server.txt"), QByteArray("\xE9\x80 ? \xDF\r\n"));
 }
 
 TEST(OptionsText, MissingGameDirectoryIsReported) {
@@ -111,3 +92,5 @@ TEST(OptionsText, MissingGameDirectoryIsReported) {
     EXPECT_FALSE(WriteOptionsFile(dir.path() + "/no/such/dir/", "x", &error));
     EXPECT_TRUE(error.contains("dedicated_server.txt")) << error.toStdString();
 }
+
+} // namespace

@@ -1,7 +1,6 @@
 #include "platform/posix/PosixProcessLauncher.h"
 
 #include "platform/posix/NoCasePath.h"
-#include "server/StartProgram.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -73,19 +72,23 @@ protected:
 };
 
 TEST_F(PosixProcessLauncherTest, StartsTheProgramDetachedWithItsArgumentsInItsFolder) {
+    const QString shellDir = "@/g;touch injected&&$(touch injected)|`touch injected`>injected x";
+    const QString shellName = "a;touch @/injected $(touch @/injected) `touch @/injected` && "
+                              "touch @/injected | cat > @/injected";
     for (const char* program :
          {"Game/rf.sh", "RedFaction/Data/rf.exe", "My Games/Red Faction/rf.exe", "bin/wine"})
         Script(program);
+    Script(shellDir.mid(2) + "/RF.EXE");
     Make("Win/RF.EXE", QByteArray("MZ\x90\0\x03", 5), false);
+    const QString wholeLine; // as parameters: start the whole command line
     qputenv("PATH", QFile::encodeName(root + "/bin") + ":" + savedPath);
-    struct Row {
-        const char* program; // with no parameters: the whole command line
-        const char* parameters;
-        const char* directory;
-        const char* argv; // one argument a line
-        const char* pwd;  // empty: the current folder, inherited
-    };
-    const Row rows[] = {
+    const struct {
+        QString program; // or the whole command line
+        QString parameters;
+        QString directory;
+        QString argv; // one argument a line
+        QString pwd;  // empty: the current folder, inherited
+    } rows[] = {
         {"@/Game/rf.sh", "-dedicated  My Server -port 7755", "@/Game",
          "@/Game/rf.sh\n-dedicated\nMy\nServer\n-port\n7755", "@/Game"},
         // Program and folder are found whatever their case.
@@ -100,24 +103,30 @@ TEST_F(PosixProcessLauncherTest, StartsTheProgramDetachedWithItsArgumentsInItsFo
         {"@/Win/RF.EXE", "-dedicated Default -lanonly", "@/Win",
          "@/bin/wine\n@/Win/RF.EXE\n-dedicated\nDefault\n-lanonly", "@/Win"},
         // The whole command line finds a path with blanks, whatever its case.
-        {"@/my games/red faction/RF.EXE -dedicated My Server", nullptr, nullptr,
+        {"@/my games/red faction/RF.EXE -dedicated My Server", wholeLine, wholeLine,
          "@/My Games/Red Faction/rf.exe\n-dedicated\nMy\nServer", "@/My Games/Red Faction"},
+        // Folder and configuration names full of shell syntax reach the program as plain text
+        // and make nothing else run.
+        {shellDir + "/rf.exe -dedicated " + shellName, wholeLine, wholeLine,
+         shellDir + "/RF.EXE\n-dedicated\n" + QString(shellName).replace(' ', '\n'), shellDir},
     };
     // Our own stdin is a pipe here, so a program that inherited it would show.
     int pipeEnds[2];
     const int ownStdin = dup(STDIN_FILENO);
     ASSERT_TRUE(pipe(pipeEnds) == 0 && dup2(pipeEnds[0], STDIN_FILENO) == STDIN_FILENO);
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.program);
-        EXPECT_EQ(row.parameters
-                      ? launcher.ShellExecute(At(row.program), row.parameters, At(row.directory), 1)
-                      : launcher.StartCommandLine(At(row.program), 1),
-                  42);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.program.toStdString());
+        EXPECT_EQ(
+            row.parameters.isNull()
+                ? launcher.StartCommandLine(At(row.program), 1)
+                : launcher.ShellExecute(At(row.program), At(row.parameters), At(row.directory), 1),
+            42);
         const auto record = WaitForRecord();
         ASSERT_TRUE(record);
         EXPECT_EQ(record->mid(Argv).join('\n'), At(row.argv));
-        EXPECT_EQ(record->value(Pwd),
-                  *row.pwd ? At(row.pwd) : QFileInfo(QDir::currentPath()).canonicalFilePath());
+        EXPECT_EQ(record->value(Pwd), row.pwd.isEmpty()
+                                          ? QFileInfo(QDir::currentPath()).canonicalFilePath()
+                                          : At(row.pwd));
         EXPECT_EQ(record->value(Stdin), "/dev/null");
         EXPECT_NE(record->value(Ppid), QString::number(getpid()));
         EXPECT_NE(record->value(Sid), QString::number(getsid(0)));
@@ -128,6 +137,9 @@ TEST_F(PosixProcessLauncherTest, StartsTheProgramDetachedWithItsArgumentsInItsFo
     dup2(ownStdin, STDIN_FILENO);
     for (const int fd : {ownStdin, pipeEnds[0], pipeEnds[1]})
         close(fd);
+    for (QDirIterator it(root, QDir::AllEntries | QDir::Hidden, QDirIterator::Subdirectories);
+         it.hasNext();)
+        EXPECT_NE(it.next().section('/', -1), "injected");
 
     EXPECT_EQ(FindPathNoCase(root + "\\redfaction\\data\\RF.exe"), At("@/RedFaction/Data/rf.exe"));
     EXPECT_EQ(FindEntryNoCase(root + "/RedFaction/", "DATA"), root + "/RedFaction/Data");
@@ -152,30 +164,6 @@ TEST_F(PosixProcessLauncherTest, FailureGivesASmallErrorCodeAndRunsNothing) {
     EXPECT_EQ(launcher.ShellExecute(game, "", root + "/Game", 1), 31)
         << "no wine for a Windows program";
     EXPECT_FALSE(QFile::exists(recordPath));
-}
-
-// Folder and configuration names full of shell syntax reach the program as plain text
-// and make nothing else run.
-TEST_F(PosixProcessLauncherTest, ShellCharactersRunNothing) {
-    const QString gameDir = "g;touch injected&&$(touch injected)|`touch injected`>injected x";
-    const QString program = Script(gameDir + "/RF.EXE");
-    const QString name = QStringLiteral("a;touch %1 $(touch %1) `touch %1` && touch %1 | cat > %1")
-                             .arg(root + "/injected");
-    const QString savedCurrent = QDir::currentPath();
-    ASSERT_TRUE(QDir::setCurrent(root));
-
-    QString line = program + " -dedicated " + name + " -port 7755";
-    const std::int32_t result = StartProgram(launcher, line, 1);
-    const auto record = WaitForRecord();
-    QDir::setCurrent(savedCurrent);
-
-    EXPECT_EQ(result, 2); // the blank in the folder name needs the whole-line start
-    ASSERT_TRUE(record);
-    EXPECT_EQ(record->value(Argv), program);
-    EXPECT_EQ(record->mid(Argv + 1).join(' '), "-dedicated " + name + " -port 7755");
-    for (QDirIterator it(root, QDir::AllEntries | QDir::Hidden, QDirIterator::Subdirectories);
-         it.hasNext();)
-        EXPECT_NE(it.next().section('/', -1), "injected");
 }
 
 } // namespace

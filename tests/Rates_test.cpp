@@ -4,41 +4,21 @@
 
 namespace {
 
-struct Row {
-    const char* stored;
-    int messageRate;
-    int textRate;
-};
-
-// Decision: a hand-edited rate is clamped into its dialog's range when read; text that
-// is no number gives the default.
+// A hand-edited rate is clamped into its dialog's range when read; text that is no number
+// gives the default.
 TEST(Rates, StoredRatesAreClampedIntoTheirRanges) {
-    const Row rows[] = {
-        {"", 3, 110},
-        {"abc", 3, 110},
-        {"12abc", 3, 110},
-        {"0", 3, 10},
-        {"-7", 3, 10},
-        {"3", 3, 10},
-        {"5", 5, 10},
-        {" 7 ", 7, 10},
-        {"10", 10, 10},
-        {"15", 15, 15},
-        {"16", 15, 16},
-        {"50", 15, 50},
-        {"210", 15, 210},
-        {"211", 15, 210},
-        {"547", 15, 210},
-        {"9999", 15, 210},
-        {"99999999999999999999", 15, 210},
-        {"-99999999999999999999", 3, 10},
-        {"4.4", 4, 10},
-        {"120.6", 15, 121},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.stored);
-        EXPECT_EQ(ClampMessageRate(row.stored), row.messageRate);
-        EXPECT_EQ(ClampTextRate(row.stored), row.textRate);
+    const char *const huge = "99999999999999999999", *const minusHuge = "-99999999999999999999";
+    const struct {
+        const char* stored;
+        int messageRate, textRate;
+    } rows[] = {{"", 3, 110},       {"abc", 3, 110},  {"12abc", 3, 110}, {"0", 3, 10},
+                {"-7", 3, 10},      {"3", 3, 10},     {"5", 5, 10},      {" 7 ", 7, 10},
+                {"10", 10, 10},     {"15", 15, 15},   {"16", 15, 16},    {"50", 15, 50},
+                {"210", 15, 210},   {"211", 15, 210}, {"547", 15, 210},  {"4.4", 4, 10},
+                {"120.6", 15, 121}, {huge, 15, 210},  {minusHuge, 3, 10}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(ClampMessageRate(row.stored), row.messageRate) << row.stored;
+        EXPECT_EQ(ClampTextRate(row.stored), row.textRate) << row.stored;
     }
 }
 

@@ -7,32 +7,14 @@
 
 namespace {
 
-const QStringList kFirstRun = {
-    "gametype=CTF",
-    "servname=$Me's Dedicated CTF Running Hostwarden 2.0",
-    "name=Default",
-    "maxplayers=16",
-    "password=",
-    "rconpass=",
-    "maxtime=30",
-    "maxcaps=5",
-    "maxkills=50",
-    "maxgeo=128",
-    "teamdamage=false",
-    "forcespawn=false",
-    "balance=true",
-    "weaponstay=false",
-    "falldamage=true",
-    "default=1",
-    "Text0=This Dedicated Server is running with Hostwarden 2.0 by Velloquin",
-    "Text1=Visit " + kProjectAddress + " for updates.",
-    "Text2=",
-    "Text3=",
-    "MessageOn=1",
-    "MapCount=0",
-};
-
-} // namespace
+// The first-run configuration as the store holds it, key by key in the order written.
+const QStringList kFirstRun =
+    ("gametype=CTF|servname=$Me's Dedicated CTF Running Hostwarden 2.0|name=Default|"
+     "maxplayers=16|password=|rconpass=|maxtime=30|maxcaps=5|maxkills=50|maxgeo=128|"
+     "teamdamage=false|forcespawn=false|balance=true|weaponstay=false|falldamage=true|default=1|"
+     "Text0=This Dedicated Server is running with Hostwarden 2.0 by Velloquin|Text1=Visit " +
+     kProjectAddress + " for updates.|Text2=|Text3=|MessageOn=1|MapCount=0")
+        .split('|');
 
 TEST(CreateDefaultConfig, WritesTheFirstRunSectionAndTheList) {
     TestServices t;
@@ -60,16 +42,23 @@ TEST(CreateDefaultConfig, OnAnExistingStoreResetsTheListAndKeepsOtherSections) {
     EXPECT_EQ(t.Get("CLAN", "default"), "1");
 }
 
-TEST(CreateNewConfig, ReplacesAStoredConfigurationAndMarksItSaved) {
+// A stored configuration (one with the "default" marker) is replaced; a section without the
+// marker keeps its other keys.
+TEST(CreateNewConfig, WritesTheDefaultsAndMarksTheConfigurationSaved) {
     TestServices t;
-    AppState s;
-    s.AppName = kAppName;
-    s.CurrentConf = "CLAN";
-    s.Saved = "no";
     t.Put("CLAN", "default", "1");
     t.Put("CLAN", "map0", "ctf01");
     t.Put("CLAN", "map1", "ctf02");
-    CreateNewConfig(t.store, s);
+    t.Put("HALF", "default", "0");
+    t.Put("HALF", "map0", "ctf01");
+    AppState s;
+    s.AppName = kAppName;
+    for (const char* conf : {"CLAN", "HALF"}) {
+        s.CurrentConf = conf;
+        s.Saved = "no";
+        CreateNewConfig(t.store, s);
+        EXPECT_EQ(s.Saved, "yes");
+    }
 
     QStringList expected = kFirstRun;
     expected.removeLast(); // MapCount comes earlier, as mapcount
@@ -78,21 +67,11 @@ TEST(CreateNewConfig, ReplacesAStoredConfigurationAndMarksItSaved) {
     expected.insert(15, "mapcount=0");
     expected.insert(17, "Mod=");
     EXPECT_EQ(t.store.Dump(kAppName, "CLAN"), expected);
-    EXPECT_EQ(s.Saved, "yes");
-}
-
-TEST(CreateNewConfig, KeepsKeysOfASectionWithoutTheMarker) {
-    TestServices t;
-    AppState s;
-    s.AppName = kAppName;
-    s.CurrentConf = "HALF";
-    t.Put("HALF", "default", "0");
-    t.Put("HALF", "map0", "ctf01");
-    CreateNewConfig(t.store, s);
     EXPECT_EQ(t.Get("HALF", "map0"), "ctf01");
     EXPECT_EQ(t.Get("HALF", "default"), "1");
 }
 
+// CMDReset_Click, the reset button's handler: kept in a test of its own to move with it.
 TEST(Reset, AsksThenDeletesEverythingAndEnds) {
     for (const MsgAnswer answer : {MsgAnswer::Yes, MsgAnswer::No}) {
         TestServices t;
@@ -118,15 +97,17 @@ TEST(Reset, AsksThenDeletesEverythingAndEnds) {
 }
 
 TEST(StoredFields, ReadingRules) {
-    EXPECT_EQ(ReadNumber("16"), 16);
-    EXPECT_EQ(ReadNumber(" 7 "), 7);
-    EXPECT_EQ(ReadNumber("-3"), -3);
-    EXPECT_EQ(ReadNumber(""), std::nullopt);
-    EXPECT_EQ(ReadNumber("12abc"), std::nullopt);
-    EXPECT_EQ(ReadBoolean("TRUE"), true);
-    EXPECT_EQ(ReadBoolean("True"), true);
-    EXPECT_EQ(ReadBoolean("false"), false);
-    EXPECT_EQ(ReadBoolean("FaLsE"), false);
-    EXPECT_EQ(ReadBoolean("yes"), std::nullopt);
-    EXPECT_EQ(ReadBoolean(""), std::nullopt);
+    const struct {
+        const char* text;
+        std::optional<int> number;
+        std::optional<bool> boolean;
+    } rows[] = {{"16", 16, {}},       {" 7 ", 7, {}},     {"-3", -3, {}},     {"", {}, {}},
+                {"12abc", {}, {}},    {"TRUE", {}, true}, {"True", {}, true}, {"false", {}, false},
+                {"FaLsE", {}, false}, {"yes", {}, {}}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(ReadNumber(row.text), row.number) << row.text;
+        EXPECT_EQ(ReadBoolean(row.text), row.boolean) << row.text;
+    }
 }
+
+} // namespace

@@ -1,0 +1,290 @@
+// From a key sequence to the keys the server receives: the sequence reader, the US layout's
+// tables and the X keysym of each virtual key.
+#include "automation/ModPushKeys.h"
+#include "platform/UsLayout.h"
+#include "platform/x11/X11Keyboard.h"
+
+#include "doubles/RecordingKeyboard.h"
+
+#include <gtest/gtest.h>
+
+// After gtest: Xlib defines macros (None, Bool) that gtest uses as names.
+#include <X11/Xlib.h>
+
+#include <QStringList>
+
+#include <map>
+#include <set>
+
+namespace {
+
+// Expected events as a comma-separated script: "Shift down", "Ctrl up", ... (the modifier with
+// its own scan code); "tap a" (the key that types the character, "tap space" for a blank);
+// "tap vk37" (virtual key 37 with its scan code; "tap vk37/0" with scan code 0); "pause 2000"
+// (milliseconds); " x3" after a tap repeats it.
+std::string Expand(const QString& script) {
+    QList<KeyAction> out;
+    for (const QString& step : script.split(',', Qt::SkipEmptyParts)) {
+        QStringList words = step.trimmed().split(' ');
+        const int times = words.size() > 2 ? words.takeLast().mid(1).toInt() : 1;
+        const QString what = words.value(0), arg = words.value(1);
+        const qsizetype modifier = QStringList{"Shift", "Ctrl", "Alt"}.indexOf(what);
+        if (modifier >= 0) {
+            const std::uint8_t scans[] = {42, 29, 56};
+            out.append({arg == "down" ? KeyAction::Down : KeyAction::Up,
+                        std::uint8_t(0x10 + modifier), scans[modifier]});
+            continue;
+        }
+        if (what == "pause") {
+            out.append({KeyAction::Pause, 0, 0, arg.toUInt()});
+            continue;
+        }
+        std::uint8_t vk = 0, scan = 0;
+        if (what == "tap" && arg.startsWith("vk")) {
+            const QStringList codes = arg.mid(2).split('/');
+            vk = std::uint8_t(codes[0].toUInt());
+            scan = std::uint8_t(codes.size() > 1 ? codes[1].toUInt() : UsLayout::MapVirtualKey(vk));
+        } else if (what == "tap") {
+            const auto ch = std::uint8_t(arg == "space" ? ' ' : arg[0].unicode());
+            vk = std::uint8_t(UsLayout::VkKeyScan(ch));
+            scan = std::uint8_t(UsLayout::OemKeyScan(UsLayout::CharToOem(ch)));
+        } else {
+            ADD_FAILURE() << "bad script step: " << step.toStdString();
+        }
+        for (int t = 0; t < times; ++t)
+            out << KeyAction{KeyAction::Down, vk, scan, 0} << KeyAction{KeyAction::Up, vk, scan, 0};
+    }
+    return Describe(out).toStdString();
+}
+
+std::string Typed(const QString& keys) {
+    RecordingKeyboard keyboard;
+    ModPushKeys(keyboard).PushKeys(keys);
+    return Describe(keyboard.actions).toStdString();
+}
+
+const QString kShifted = "Shift down, tap %1, Shift up";
+const QString kLeftBlank = kShifted.arg('L') + "," + kShifted.arg('E') + "," + kShifted.arg('F') +
+                           "," + kShifted.arg('T') + ", tap space";
+
+TEST(ModPushKeys, TypesEachSequenceAsItsKeyEvents) {
+    const struct {
+        const char* keys;
+        QString expected;
+    } rows[] = {
+        {"say hi~", "tap s, tap a, tap y, tap space, tap h, tap i, tap vk13"},
+        {"Hi!", "Shift down, tap H, Shift up, tap I, Shift down, tap 1, Shift up"},
+        {"+a", "Shift down, tap A, Shift up"},
+        {"^c", "Ctrl down, tap C, Ctrl up"},
+        {"%{F4}", "Alt down, tap vk115, Alt up"},
+        {"", ""},
+        {"{}", ""},
+        // A modifier at the end of the sequence applies to a blank.
+        {"a+", "tap a, Shift down, tap space, Shift up"},
+        {"a%", "tap a, Alt down, tap space, Alt up"},
+        {"^+a", "Ctrl down, tap =, Ctrl up, tap a"},
+        // Nested sequences keep the modifiers their group holds, so a Shift group stays shifted.
+        {"+(Ab)", "Shift down, tap A, tap B, Shift up"},
+        {"+{Ab}", "Shift down, tap A, tap B, Shift up"},
+        {"^(A)", "Ctrl down, Shift down, tap A, Shift up, Ctrl up"},
+        {"+(a(b)c)", "Shift down, tap a, tap 9, tap b, tap 0, tap c, Shift up"},
+        {"^(+(ab))", "Ctrl down, Shift down, tap A, tap B, Shift up, Ctrl up"},
+        {"+(ab", "Shift down, tap A, tap B, tap space, Shift up"},
+        {"{ENTER", "tap vk13"},
+        {"{LEFT  2}", kLeftBlank + "," + kLeftBlank},
+        {"{NEWLINE 2}", "tap vk13, tap vk10, tap vk13, tap vk10"},
+        {"{NL}", "tap vk13, tap vk10"},
+        {"{SLEEP}", "pause 1000"},
+        {"{abc}", "tap a, tap b, tap c"},
+        {"{A}", kShifted.arg('A')},
+        {"{F25}", kShifted.arg('F') + ", tap 2, tap 5"},
+        // A name followed by "}}" is sent, and the second brace is typed.
+        {"{ENTER}}", "tap vk13, Shift down, tap }, Shift up"},
+        {"{}}}", "Shift down, tap }, Shift up, Shift down, tap }, Shift up"},
+        // "é" has no key on a US layout: it goes out as virtual key 255, which types nothing.
+        {"\xC3\xA9", "tap vk255/255"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(Typed(QString::fromUtf8(row.keys)), Expand(row.expected)) << row.keys;
+
+    // Every character the reader types with Shift, and every name in braces typed with Shift
+    // ("{+}" types a plus sign, "{}}" a closing brace).
+    for (const char c : std::string("ABCDEFGHIJKLMNOPQRSTUVWXYZ!@#$&*()_|:?><}\""))
+        EXPECT_EQ(Typed(QString(c)), Expand(kShifted.arg(c))) << c;
+    for (const char c : std::string("~!@#$%^&*()_+|{}:?><\""))
+        EXPECT_EQ(Typed("{" + QString(c) + "}"), Expand(kShifted.arg(c))) << c;
+    RecordingKeyboard keyboard;
+    ModPushKeys sender(keyboard);
+    sender.PushChar("A");  // leaves out the Shift the layout asks for
+    sender.ShiftHeld = -1; // left over from an earlier call: a new sequence starts clean
+    sender.PushKeys("+(a)!");
+    EXPECT_EQ(Describe(keyboard.actions).toStdString(),
+              Expand("tap vk65/30, Shift down, tap a, Shift up, Shift down, tap 1, Shift up"));
+}
+
+// A count is a decimal number rounded to the nearest whole number, halves away from zero; text
+// that is no number, or out of the 16-bit range, counts 1. A pause lasts that many seconds.
+TEST(ModPushKeys, CountsRepeatKeysAndTimePauses) {
+    const std::pair<const char*, int> rows[] = {
+        {"3", 3},   {"", 1},    {"x", 1},   {"0", 0},      {"-3", -3}, {"40000", 1},
+        {"2.4", 2}, {"2.5", 3}, {".6", 1},  {"-0.4", 0},   {"+2", 2},  {"1e1", 10},
+        {"1.5", 2}, {"0x3", 1}, {"1,5", 1}, {"32767.6", 1}};
+    for (const auto& [text, count] : rows) {
+        SCOPED_TRACE(text);
+        const QString repeat = count > 0 ? QString(" x%1").arg(count) : QString();
+        EXPECT_EQ(Typed("{x " + QString(text) + "}"), Expand(count > 0 ? "tap x" + repeat : ""));
+        EXPECT_EQ(Typed("{LEFT " + QString(text) + "}"),
+                  Expand(count > 0 ? "tap vk37" + repeat : ""));
+        EXPECT_EQ(Typed("{SLEEP " + QString(text) + "}"),
+                  Expand(count >= 0 ? QString("pause %1").arg(count * 1000) : ""));
+    }
+}
+
+// Each key name, in any case and with a count, types its virtual key with the scan code of a US
+// keyboard, and the X11 backend sends that key as its keysym.
+TEST(ModPushKeys, NamedKeysReachTheServerAsTheirKeys) {
+    // names = virtual key, scan code, X keysym ("-": none); keys without a name are keys only
+    // the program itself sends, and codes no key stands for.
+    const QString table = R"(
+        BACKSPACE BS BKSP = 8 14 BackSpace; BELL = 7 0 -; BREAK = 3 70 Pause;
+        CAPSLOCK CAPS = 20 58 Caps_Lock; DELETE DEL = 46 83 Delete; DOWN = 40 80 Down;
+        END = 35 79 End; ENTER RETURN = 13 28 Return; ESCAPE ESC = 27 1 Escape;
+        FORMFEED FF = 12 76 Clear; HELP = 47 0 Help; HOME = 36 71 Home; INSERT INS = 45 82 Insert;
+        LEFT = 37 75 Left; LINEFEED LF = 10 0 Linefeed; NUMLOCK = 144 69 Num_Lock;
+        PGDN PAGEDOWN NEXT = 34 81 Next; PGUP PAGEUP PRIOR = 33 73 Prior; RIGHT = 39 77 Right;
+        PRINTSCREEN PRTSC = 42 0 Print; SCROLLLOCK SCRLK = 145 70 Scroll_Lock; TAB = 9 15 Tab;
+        UP = 38 72 Up; NUMPADMULTIPLY NUMPAD* = 106 55 KP_Multiply;
+        NUMPADADD NUMPAD+ = 107 78 KP_Add; NUMPADSUBTRACT NUMPAD- = 109 74 KP_Subtract;
+        NUMPADDECIMAL NUMPAD. = 110 83 KP_Decimal; NUMPADDIVIDE NUMPAD/ = 111 53 KP_Divide;
+        NUMPAD0 = 96 82 KP_0; NUMPAD1 = 97 79 KP_1;
+        NUMPAD2 = 98 80 KP_2; NUMPAD3 = 99 81 KP_3; NUMPAD4 = 100 75 KP_4; NUMPAD5 = 101 76 KP_5;
+        NUMPAD6 = 102 77 KP_6; NUMPAD7 = 103 71 KP_7; NUMPAD8 = 104 72 KP_8; NUMPAD9 = 105 73 KP_9;
+        F1 = 112 59 F1; F2 = 113 60 F2; F3 = 114 61 F3; F4 = 115 62 F4; F5 = 116 63 F5;
+        F6 = 117 64 F6; F7 = 118 65 F7; F8 = 119 66 F8; F9 = 120 67 F9; F10 = 121 68 F10;
+        F11 = 122 87 F11; F12 = 123 88 F12; F13 = 124 100 F13; F14 = 125 101 F14;
+        F15 = 126 102 F15; F16 = 127 103 F16; F17 = 128 104 F17; F18 = 129 105 F18;
+        F19 = 130 106 F19; F20 = 131 107 F20; F21 = 132 108 F21; F22 = 133 109 F22;
+        F23 = 134 110 F23; F24 = 135 118 F24; = 16 42 Shift_L; = 17 29 Control_L; = 18 56 Alt_L;
+        = 19 69 Pause; = 108 0 KP_Separator; = 0 0 -; = 136 0 -; = 255 0 -)";
+    for (const QString& entry : table.split(';')) {
+        const QStringList sides = entry.split('=');
+        const QStringList key = sides.value(1).simplified().split(' ');
+        ASSERT_EQ(key.size(), 3) << entry.toStdString();
+        const int vk = key[0].toInt(), scan = key[1].toInt();
+        const QString tap = QString("tap vk%1/%2").arg(vk).arg(scan);
+        for (const QString& name : sides[0].simplified().split(' ', Qt::SkipEmptyParts)) {
+            EXPECT_EQ(Typed("{" + name + "}"), Expand(tap)) << name.toStdString();
+            EXPECT_EQ(Typed("{" + name.toLower() + " 2}"), Expand(tap + " x2"))
+                << name.toStdString();
+        }
+        EXPECT_EQ(UsLayout::MapVirtualKey(vk), std::uint32_t(scan)) << "vk " << vk;
+        EXPECT_EQ(X11Keyboard::KeysymFor(std::uint8_t(vk)),
+                  key[2] == "-" ? NoSymbol : XStringToKeysym(key[2].toLatin1().constData()))
+            << "vk " << vk;
+    }
+    EXPECT_EQ(UsLayout::MapVirtualKey(0x100), 0u);
+}
+
+// A failure outside braces reaches the caller; inside braces it is absorbed: each repetition
+// breaks off at the failing step, and a modifier group broken off is released at the end of
+// the sequence. One sender types every row, so nothing may stick from a failed sequence.
+TEST(ModPushKeys, KeyboardFailures) {
+    enum Fails { Char, Key, ScanLookup };
+    const struct {
+        const char* keys;
+        Fails fails;
+        unsigned code;
+        bool throws;
+        const char* expected;
+    } rows[] = {
+        {"aqb", Char, 'q', true, "tap a"},
+        {"+(aq)b", Char, 'q', true, "Shift down, tap a"},
+        {"A", Key, 0x10, true, ""},
+        {"\xE2\x82\xAC", Char, 0x80, true, ""}, // the euro sign, Windows-1252 byte 0x80
+        {"{aqb 3}c", Char, 'q', false, "tap a x3, tap c"},
+        {"{+(aqz)}b", Char, 'q', false, "Shift down, tap a, tap b, Shift up"},
+        // Enter fails on every repetition; the line feeds after it are still sent.
+        {"{NEWLINE 2}", Key, 13, false, "tap vk10 x2"},
+        // The scan code lookup comes before the loop: its failure leaves one tap, with scan 0.
+        {"{LEFT 3}", ScanLookup, 37, false, "tap vk37/0"},
+    };
+    RecordingKeyboard keyboard;
+    ModPushKeys sender(keyboard);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.keys);
+        keyboard = RecordingKeyboard{};
+        if (row.fails == Char)
+            keyboard.failingChars = {std::uint8_t(row.code)};
+        else if (row.fails == Key)
+            keyboard.failingKeys = {std::uint8_t(row.code)};
+        else
+            keyboard.failingScanLookups = {row.code};
+        if (row.throws)
+            EXPECT_THROW(sender.PushKeys(QString::fromUtf8(row.keys)), KeySendError);
+        else
+            EXPECT_NO_THROW(sender.PushKeys(QString::fromUtf8(row.keys)));
+        EXPECT_EQ(Describe(keyboard.actions).toStdString(), Expand(row.expected));
+    }
+}
+
+// The US keyboard, row by row: what each key types, what it types with Shift, and the scan
+// code of the row's first key (the keys of a row count up from it). Each character has the
+// virtual key, scan code and Shift state of its key; X11 sends the key's unshifted character.
+TEST(UsLayout, EveryPrintableCharacterHasItsKey) {
+    const std::map<char, std::uint8_t> punctuationKeys = {
+        {'-', 0xBD}, {'=', 0xBB},  {'[', 0xDB}, {']', 0xDD}, {';', 0xBA}, {'\'', 0xDE},
+        {'`', 0xC0}, {'\\', 0xDC}, {',', 0xBC}, {'.', 0xBE}, {'/', 0xBF}};
+    const struct {
+        std::string plain, shifted;
+        int firstScan;
+    } keyRows[] = {{"1234567890-=", "!@#$%^&*()_+", 2},
+                   {"qwertyuiop[]", "QWERTYUIOP{}", 16},
+                   {"asdfghjkl;'`", "ASDFGHJKL:\"~", 30},
+                   {"\\zxcvbnm,./", "|ZXCVBNM<>?", 43},
+                   {" ", "", 57}};
+    std::set<char> seen;
+    for (const auto& row : keyRows)
+        for (std::size_t k = 0; k < row.plain.size(); ++k) {
+            const char plain = row.plain[k];
+            const int vk = plain >= 'a' && plain <= 'z'   ? plain - 'a' + 'A'
+                           : punctuationKeys.count(plain) ? punctuationKeys.at(plain)
+                                                          : plain;
+            const unsigned scan = row.firstScan + k;
+            EXPECT_EQ(UsLayout::MapVirtualKey(vk), scan) << plain;
+            EXPECT_EQ(X11Keyboard::KeysymFor(std::uint8_t(vk)), std::uint8_t(plain)) << plain;
+            for (const int shift : {0, 1}) {
+                if (shift && k >= row.shifted.size())
+                    continue;
+                const auto ch = std::uint8_t(shift ? row.shifted[k] : plain);
+                seen.insert(char(ch));
+                EXPECT_EQ(UsLayout::VkKeyScan(ch), shift << 8 | vk) << ch;
+                EXPECT_EQ(UsLayout::CharToOem(ch), ch);
+                EXPECT_EQ(UsLayout::OemKeyScan(ch), unsigned(shift) << 16 | scan) << ch;
+            }
+        }
+    EXPECT_EQ(seen.size(), 95u) << "every printable ASCII character";
+}
+
+TEST(UsLayout, ControlAndHighCharacters) {
+    const struct {
+        std::uint8_t ch;
+        std::int16_t vkScan;
+        std::uint8_t oem;
+        std::uint32_t oemScan;
+    } rows[] = {{'\t', 9, '\t', 15},      {'\r', 13, '\r', 28},  {'\b', 8, '\b', 14},
+                {'\n', -1, '\n', ~0u},    {0x00, -1, 0x00, ~0u}, {0x1B, -1, 0x1B, ~0u},
+                {0x7F, -1, 0x7F, ~0u},    {0xE9, -1, 0x82, ~0u}, // é
+                {0xA3, -1, 0x9C, ~0u},                           // £
+                {0xB0, -1, 0xF8, ~0u},                           // °
+                {0x83, -1, 0x9F, ~0u},                           // ƒ
+                {0xA0, -1, 0xFF, ~0u},                           // no-break space
+                {0xC0, -1, '?', 0x10035},                        // À is not in code page 437
+                {0x80, -1, '?', 0x10035}};                       // nor is the euro sign
+    for (const auto& row : rows) {
+        EXPECT_EQ(UsLayout::VkKeyScan(row.ch), row.vkScan) << "byte " << int(row.ch);
+        EXPECT_EQ(UsLayout::CharToOem(row.ch), row.oem) << "byte " << int(row.ch);
+        EXPECT_EQ(UsLayout::OemKeyScan(row.oem), row.oemScan) << "byte " << int(row.ch);
+    }
+}
+
+} // namespace
