@@ -1,6 +1,5 @@
 #include "Desktop.h"
 
-#include "Artifacts.h"
 #include "XSession.h"
 
 #include <QRegularExpression>
@@ -20,23 +19,9 @@ std::optional<WindowId> ParseId(const QString& text) {
     return ok && id != 0 ? std::optional<WindowId>(id) : std::nullopt;
 }
 
-bool Matches(const QString& windowTitle, const QString& title, TitleMatch match) {
-    if (match == TitleMatch::Exact)
-        return windowTitle == title;
-    return windowTitle.contains(title, Qt::CaseInsensitive);
-}
-
 } // namespace
 
-Desktop::Desktop(const XSession& session) : display_(session.Display()) {}
-
-Desktop::Desktop(const QString& display) : display_(display) {}
-
-ToolResult Desktop::Run(const QString& program, const QStringList& args) const {
-    return RunTool(program, args, {"DISPLAY=" + display_});
-}
-
-std::vector<ClientWindow> Desktop::Windows() const {
+std::vector<WindowId> Desktop::Windows() const {
     std::vector<WindowId> ids;
     const ToolResult list = Run("xprop", {"-root", "-notype", "_NET_CLIENT_LIST_STACKING"});
     static const QRegularExpression hexId("0x[0-9a-fA-F]+");
@@ -52,23 +37,22 @@ std::vector<ClientWindow> Desktop::Windows() const {
             if (auto id = ParseId(line))
                 ids.insert(ids.begin(), *id);
     }
-    std::vector<ClientWindow> windows;
-    for (WindowId id : ids)
-        windows.push_back({id, WindowTitle(id)});
-    return windows;
+    return ids;
 }
 
 QStringList Desktop::WindowTitles() const {
     QStringList titles;
-    for (const auto& w : Windows())
-        titles << w.title;
+    for (WindowId id : Windows())
+        titles << WindowTitle(id);
     return titles;
 }
 
 std::optional<WindowId> Desktop::FindWindow(const QString& title, TitleMatch match) const {
-    for (const auto& w : Windows())
-        if (Matches(w.title, title, match))
-            return w.id;
+    for (WindowId id : Windows()) {
+        const QString t = WindowTitle(id);
+        if (match == TitleMatch::Exact ? t == title : t.contains(title, Qt::CaseInsensitive))
+            return id;
+    }
     return std::nullopt;
 }
 
@@ -111,13 +95,13 @@ std::optional<QRect> Desktop::WindowGeometry(WindowId window) const {
                  field("Height"));
 }
 
-bool Desktop::Click(WindowId window, QPoint position, int button) const {
+bool Desktop::Click(WindowId window, QPoint position) const {
     // "mousemove --sync" waits for the pointer to move; when it already rests on the
     // spot it would wait out the tool's whole time limit.
     Run("xdotool", {"mousemove", "0", "0"});
-    return Run("xdotool",
-               {"mousemove", "--sync", "--window", Hex(window), QString::number(position.x()),
-                QString::number(position.y()), "click", QString::number(button)})
+    return Run("xdotool", {"mousemove", "--sync", "--window", Hex(window),
+                           QString::number(position.x()), QString::number(position.y()), "click",
+                           "1"})
                .exitCode == 0;
 }
 
