@@ -51,14 +51,14 @@ TEST_P(TextRate, BatchesArriveEveryIntervalInBoxOrderAtTheTextRate) {
     // A timer tick may come at most 5 % early; typing the line adds to that.
     EXPECT_GE(firstLine, std::chrono::milliseconds(kIntervalMs * 95 / 100));
 
-    const auto lines = KeyLines(Keys());
+    const auto lines = KeyLines();
     ASSERT_GE(lines.size(), 4u);
     for (std::size_t i = 0; i < 4; ++i) {
         SCOPED_TRACE("line " + std::to_string(i + 1));
-        EXPECT_EQ(Text(lines[i]), Transcript().value(int(i)));
+        EXPECT_EQ(lines[i].text, Transcript().value(int(i)));
         std::vector<qint64> gaps;
-        for (std::size_t k = 1; k < lines[i].size(); ++k)
-            gaps.push_back(lines[i][k].ms - lines[i][k - 1].ms);
+        for (std::size_t k = 1; k < lines[i].ms.size(); ++k)
+            gaps.push_back(lines[i].ms[k] - lines[i].ms[k - 1]);
         std::vector<qint64> sorted = gaps;
         std::sort(sorted.begin(), sorted.end());
         EXPECT_NEAR(sorted[sorted.size() / 2], rate, kKeyJitterMs) << Describe(gaps);
@@ -71,7 +71,7 @@ TEST_P(TextRate, BatchesArriveEveryIntervalInBoxOrderAtTheTextRate) {
     // The second line of a batch waits for the typist to finish the first (one more
     // tick) and for the next dispatcher tick, then one more tick for its first key.
     for (std::size_t i : {1u, 3u}) {
-        const qint64 pause = lines[i].front().ms - lines[i - 1].back().ms;
+        const qint64 pause = lines[i].ms.front() - lines[i - 1].ms.back();
         EXPECT_GE(pause, 2 * rate - kKeyJitterMs) << "before line " << i + 1;
         EXPECT_LE(pause, 2 * rate + kSecondMs + 3 * kKeyJitterMs) << "before line " << i + 1;
     }
@@ -79,7 +79,7 @@ TEST_P(TextRate, BatchesArriveEveryIntervalInBoxOrderAtTheTextRate) {
     // typist stood when each batch was queued. Ticks never come late by more than
     // their own interval without the timer skipping them, so lateness on a loaded
     // machine only adds; 10 % of the interval bounds it.
-    const qint64 batchGap = lines[2].front().ms - lines[0].front().ms;
+    const qint64 batchGap = lines[2].ms.front() - lines[0].ms.front();
     EXPECT_GE(batchGap, kIntervalMs - kSecondMs - rate - kKeyJitterMs);
     EXPECT_LE(batchGap, kIntervalMs * 110 / 100);
 }
@@ -145,10 +145,10 @@ TEST_F(Recovery, WithServerRecoverTheServerIsStartedAgainAndMessagesResume) {
     // The batch that found the server gone is dropped; the next one reaches the new server.
     ASSERT_TRUE(WaitForTranscript(4, kInterval + 20s)) << Transcript().join(" | ");
     EXPECT_EQ(Transcript(), kBatch + kBatch);
-    const auto lines = KeyLines(Keys()); // the new server's own key log
+    const auto lines = KeyLines(); // the new server's own key log
     ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(Text(lines[0]), kBatch[0]);
-    EXPECT_EQ(Text(lines[1]), kBatch[1]);
+    EXPECT_EQ(lines[0].text, kBatch[0]);
+    EXPECT_EQ(lines[1].text, kBatch[1]);
     EXPECT_FALSE(desktop_.FindWindow(kServerErrorTitle));
     EXPECT_TRUE(hostwarden_.IsRunning());
 }
@@ -197,7 +197,7 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
         {.startup = {"TextRate=110", "MsgRate=15"}, .messages = {message, "", "", ""}}, 10));
     ASSERT_TRUE(ClickMain("CMDLaunch"));
     ASSERT_TRUE(desktop_.WaitForWindow(kServerTitle));
-    ASSERT_TRUE(WaitUntil([&] { return !Keys().empty(); }, 30s)) << "typing never began";
+    ASSERT_TRUE(WaitUntil([&] { return KeyCount() > 0; }, 30s)) << "typing never began";
     // The operator turns "Auto Message" off, which also keeps the next batch (due in
     // 9 s) out of the probe below; the line being typed goes on.
     ASSERT_TRUE(ClickMain("CHKMessage"));
@@ -211,11 +211,11 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     // Every 15 keys or so (or 2 s, should the keys stop coming), click into the other
     // window and activate it, as an operator would, and note whether it really held
     // the focus for a moment.
-    const std::size_t lineKeys = std::size_t(4 + message.size() + 1);
+    const int lineKeys = int(4 + message.size() + 1);
     int stolen = 0;
     for (int round = 0; round < 6; ++round) {
-        const std::size_t target = std::min(lineKeys - 5, Keys().size() + 15);
-        WaitUntil([&] { return Keys().size() >= target; }, 2s);
+        const int target = std::min(lineKeys - 5, KeyCount() + 15);
+        WaitUntil([&] { return KeyCount() >= target; }, 2s);
         desktop_.Click(*otherId, {40, 40});
         desktop_.Run("xdotool", {"windowactivate", QString::number(*otherId)});
         stolen += desktop_.ActiveWindow() == otherId || desktop_.FocusedWindow() == otherId;
@@ -225,10 +225,10 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     // On failure, go on to the other window: what it caught tells where the keys went.
     EXPECT_TRUE(WaitForTranscript(1, 30s)) << "the line never ended";
     EXPECT_EQ(Transcript(), QStringList{"say " + message});
-    const auto lines = KeyLines(Keys());
+    const auto lines = KeyLines();
     EXPECT_EQ(lines.size(), 1u);
     if (!lines.empty()) {
-        EXPECT_EQ(Text(lines[0]), "say " + message) << "keys the server saw";
+        EXPECT_EQ(lines[0].text, "say " + message) << "keys the server saw";
     }
 
     // Anything typed into the other window would sit in its terminal line until a

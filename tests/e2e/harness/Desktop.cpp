@@ -25,18 +25,10 @@ std::vector<WindowId> Desktop::Windows() const {
     std::vector<WindowId> ids;
     const ToolResult list = Run("xprop", {"-root", "-notype", "_NET_CLIENT_LIST_STACKING"});
     static const QRegularExpression hexId("0x[0-9a-fA-F]+");
-    if (list.exitCode == 0 && list.out.contains("#")) {
+    if (list.exitCode == 0 && list.out.contains("#"))
         for (const auto& m : hexId.globalMatch(list.out.section('#', 1)))
             if (auto id = ParseId(m.captured()))
                 ids.insert(ids.begin(), *id);
-    } else {
-        // No window manager: the mapped children of the root, listed bottom to top.
-        const ToolResult tree =
-            Run("xdotool", {"search", "--onlyvisible", "--maxdepth", "1", "--name", ""});
-        for (const QString& line : tree.out.split('\n', Qt::SkipEmptyParts))
-            if (auto id = ParseId(line))
-                ids.insert(ids.begin(), *id);
-    }
     return ids;
 }
 
@@ -72,14 +64,9 @@ bool Desktop::WindowExists(WindowId window) const {
 }
 
 QString Desktop::WindowTitle(WindowId window) const {
-    // _NET_WM_NAME carries UTF-8; xprop prints it as a quoted C string.
-    const ToolResult name = Run("xprop", {"-id", Hex(window), "-notype", "_NET_WM_NAME"});
-    static const QRegularExpression quoted("= \"(.*)\"\\s*$");
-    auto m = quoted.match(name.out);
-    if (name.exitCode == 0 && m.hasMatch())
-        return m.captured(1).replace("\\\"", "\"").replace("\\\\", "\\");
-    const ToolResult legacy = Run("xdotool", {"getwindowname", Hex(window)});
-    return legacy.exitCode == 0 ? legacy.out.chopped(legacy.out.endsWith('\n') ? 1 : 0) : QString();
+    // _NET_WM_NAME (UTF-8) where the window has one, WM_NAME otherwise.
+    const QString name = Run("xdotool", {"getwindowname", Hex(window)}).out;
+    return name.endsWith('\n') ? name.chopped(1) : name;
 }
 
 std::optional<QRect> Desktop::WindowGeometry(WindowId window) const {

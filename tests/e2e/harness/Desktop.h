@@ -23,7 +23,7 @@ class Desktop {
 public:
     explicit Desktop(const QString& display) : display_(display) {}
 
-    // Top-level client windows, top of the stacking order first.
+    // The window manager's client windows, top of the stacking order first.
     std::vector<WindowId> Windows() const;
     QStringList WindowTitles() const;
     std::optional<WindowId> FindWindow(const QString& title,

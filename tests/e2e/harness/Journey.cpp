@@ -69,25 +69,6 @@ QByteArray ReadFile(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-std::vector<std::vector<KeyPress>> KeyLines(const std::vector<KeyPress>& keys) {
-    std::vector<std::vector<KeyPress>> lines(1);
-    for (const KeyPress& key : keys) {
-        lines.back().push_back(key);
-        if (key.code == 13)
-            lines.emplace_back();
-    }
-    lines.pop_back(); // the unfinished rest
-    return lines;
-}
-
-QString Text(const std::vector<KeyPress>& line) {
-    QString text;
-    for (const KeyPress& key : line)
-        if (key.code != 13)
-            text += QChar(key.code);
-    return text;
-}
-
 Journey::Journey() {
     game_ = gameParent_.filePath("game");
     // Copies keep their permissions, so RF.EXE stays executable.
@@ -175,14 +156,18 @@ QStringList Journey::GameLines(const QString& name) const {
     return lines;
 }
 
-std::vector<KeyPress> Journey::Keys() const {
-    std::vector<KeyPress> keys;
+std::vector<KeyLine> Journey::KeyLines() const {
+    std::vector<KeyLine> lines(1);
     for (const QString& line : GameLines("keys.log")) {
-        const QStringList fields = line.split(' ');
-        if (fields.size() == 2)
-            keys.push_back({fields[0].toLongLong(), fields[1].toInt()});
+        const int code = line.section(' ', 1).toInt();
+        lines.back().ms.push_back(line.section(' ', 0, 0).toLongLong());
+        if (code == 13)
+            lines.emplace_back();
+        else
+            lines.back().text += QChar(code);
     }
-    return keys;
+    lines.pop_back(); // the unfinished rest
+    return lines;
 }
 
 std::vector<pid_t> Journey::StartedPids() const {

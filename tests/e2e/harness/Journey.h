@@ -32,16 +32,11 @@ struct LaterRun {
         "Visit us for updates.", "", ""};
 };
 
-// One character as the stand-in saw it arrive.
-struct KeyPress {
-    qint64 ms = 0; // since the stand-in started
-    int code = 0;  // Unicode; 13 for Enter
+// One console line as the stand-in saw its keys arrive.
+struct KeyLine {
+    QString text;           // without its Enter
+    std::vector<qint64> ms; // each key's arrival, the Enter's last, since the stand-in started
 };
-
-// The key log cut into console lines, each ending with its Enter.
-std::vector<std::vector<KeyPress>> KeyLines(const std::vector<KeyPress>& keys);
-// A console line's text without its Enter.
-QString Text(const std::vector<KeyPress>& line);
 
 QByteArray ReadFile(const QString& path);
 
@@ -78,7 +73,8 @@ protected:
     bool WaitForTranscript(int lines, std::chrono::milliseconds timeout) const {
         return WaitUntil([&] { return Transcript().size() >= lines; }, timeout, 10ms);
     }
-    std::vector<KeyPress> Keys() const;
+    int KeyCount() const { return int(GameLines("keys.log").size()); }
+    std::vector<KeyLine> KeyLines() const; // the lines ended by an Enter
     // Pids of the servers' "started pid N" events, oldest first.
     std::vector<pid_t> StartedPids() const;
 

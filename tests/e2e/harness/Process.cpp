@@ -2,10 +2,9 @@
 
 #include <QFile>
 #include <QProcessEnvironment>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
-#include <cerrno>
-#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -32,84 +31,48 @@ bool WaitUntil(const std::function<bool()>& done, std::chrono::milliseconds time
     }
 }
 
-namespace {
-
-std::vector<char*> Pointers(std::vector<std::string>& strings) {
-    std::vector<char*> p;
-    for (auto& s : strings)
-        p.push_back(s.data());
-    p.push_back(nullptr);
-    return p;
-}
-
-[[noreturn]] void FailChild(int errorPipe) {
-    const int error = errno;
-    (void)!write(errorPipe, &error, sizeof error);
-    _exit(127);
-}
-
-void Redirect(const std::string& path, int fd, int errorPipe) {
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
-    if (file < 0 || dup2(file, fd) < 0)
-        FailChild(errorPipe);
-    close(file);
-}
-
-} // namespace
-
 Process::Process(const QString& program, const QStringList& args, const ProcessOptions& options) {
-    std::vector<std::string> argStrings{program.toStdString()}, envStrings;
+    const QString path = QStandardPaths::findExecutable(program);
+    if (path.isEmpty())
+        throw std::runtime_error("cannot find the program " + program.toStdString());
+    std::vector<std::string> strings{path.toStdString()};
     for (const QString& a : args)
-        argStrings.push_back(a.toStdString());
+        strings.push_back(a.toStdString());
+    const std::size_t argc = strings.size();
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     for (const QString& e : options.env)
         env.insert(e.section('=', 0, 0), e.section('=', 1));
     for (const QString& e : env.toStringList())
-        envStrings.push_back(e.toStdString());
-    std::vector<char*> argv = Pointers(argStrings), envp = Pointers(envStrings);
+        strings.push_back(e.toStdString());
+    std::vector<char*> argv, envp;
+    for (std::size_t i = 0; i < strings.size(); ++i)
+        (i < argc ? argv : envp).push_back(strings[i].data());
+    argv.push_back(nullptr);
+    envp.push_back(nullptr);
     const std::string workDir = options.workDir.toStdString(), out = options.output.toStdString(),
                       err = options.errors.isEmpty() ? out : options.errors.toStdString();
-
-    int errorPipe[2];
-    if (pipe2(errorPipe, O_CLOEXEC) != 0)
-        throw std::runtime_error("pipe2 failed");
     const pid_t parent = getpid();
-    const pid_t pid = fork();
-    if (pid == 0) {
-        // Only async-signal-safe calls from here on.
-        setpgid(0, 0);
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (getppid() != parent)
-            _exit(127);
-        sigset_t none;
-        sigemptyset(&none);
-        sigprocmask(SIG_SETMASK, &none, nullptr);
-        const int devNull = open("/dev/null", O_RDONLY);
-        dup2(devNull, 0);
-        close(devNull);
-        if (!out.empty())
-            Redirect(out, 1, errorPipe[1]);
-        if (!err.empty())
-            Redirect(err, 2, errorPipe[1]);
-        if (!workDir.empty() && chdir(workDir.c_str()) != 0)
-            FailChild(errorPipe[1]);
-        execvpe(argv[0], argv.data(), envp.data());
-        FailChild(errorPipe[1]);
-    }
-    close(errorPipe[1]);
-    int childError = 0;
-    ssize_t n = -1;
-    while (pid > 0 && (n = read(errorPipe[0], &childError, sizeof childError)) < 0 &&
-           errno == EINTR) {
-    }
-    close(errorPipe[0]);
-    pid_ = pid > 0 ? pid : 0;
-    if (pid < 0 || n > 0) {
-        Reap(true);
-        pid_ = 0;
-        throw std::runtime_error("cannot start " + program.toStdString() + ": " +
-                                 std::strerror(pid < 0 ? errno : childError));
-    }
+    pid_ = fork();
+    if (pid_ < 0)
+        throw std::runtime_error("fork failed");
+    if (pid_ > 0)
+        return;
+    // Only async-signal-safe calls from here on; any failure ends the child with 127.
+    setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    const auto redirect = [](const std::string& file, int fd, int flags) {
+        const int f = open(file.c_str(), flags, 0644);
+        return f >= 0 && (f == fd || (dup2(f, fd) >= 0 && close(f) == 0));
+    };
+    if (getppid() == parent && redirect("/dev/null", 0, O_RDONLY) &&
+        (out.empty() || redirect(out, 1, O_WRONLY | O_CREAT | O_APPEND)) &&
+        (err.empty() || redirect(err, 2, O_WRONLY | O_CREAT | O_APPEND)) &&
+        (workDir.empty() || chdir(workDir.c_str()) == 0))
+        execve(argv[0], argv.data(), envp.data());
+    _exit(127);
 }
 
 Process& Process::operator=(Process&& other) noexcept {

@@ -1,15 +1,17 @@
 #include "XSession.h"
 
+#include "Desktop.h"
+
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
 
-#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 
 namespace e2e {
@@ -29,23 +31,6 @@ const char kOpenboxConfig[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 </openbox_config>
 )";
 
-bool ListsClient(::Display* display, Window window) {
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0, remaining = 0;
-    unsigned char* data = nullptr;
-    bool found = false;
-    const Atom list = XInternAtom(display, "_NET_CLIENT_LIST", False);
-    if (XGetWindowProperty(display, DefaultRootWindow(display), list, 0, 4096, False, XA_WINDOW,
-                           &type, &format, &count, &remaining, &data) == Success &&
-        data && format == 32)
-        for (unsigned long i = 0; i < count; ++i)
-            found = found || reinterpret_cast<Window*>(data)[i] == window;
-    if (data)
-        XFree(data);
-    return found;
-}
-
 // openbox announces itself before it has finished starting, and a window mapped in that
 // gap stays unmanaged. A probe window that it takes into its client list shows it is ready.
 bool ManagesNewWindows(const QString& displayName, Process& windowManager) {
@@ -59,7 +44,8 @@ bool ManagesNewWindows(const QString& displayName, Process& windowManager) {
             XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 10, 10, 0, 0, 0);
         XMapWindow(display, probe);
         XSync(display, False);
-        managed = WaitUntil([&] { return ListsClient(display, probe); }, 1s);
+        managed = WaitUntil(
+            [&] { return std::ranges::count(Desktop(displayName).Windows(), probe) == 1; }, 1s);
         XDestroyWindow(display, probe);
         XSync(display, False);
     }
