@@ -25,13 +25,6 @@ const QStringList kBatch = {"say hello one", "say third box"};
 // still telling 50 ms from 110 ms, or one character per tick from two.
 constexpr qint64 kKeyJitterMs = 15;
 
-std::string Describe(const std::vector<qint64>& gaps) {
-    std::string text;
-    for (qint64 gap : gaps)
-        text += std::to_string(gap) + " ";
-    return text;
-}
-
 class TextRate : public Journey, public testing::WithParamInterface<int> {};
 
 TEST_P(TextRate, BatchesArriveEveryIntervalInBoxOrderAtTheTextRate) {
@@ -61,12 +54,12 @@ TEST_P(TextRate, BatchesArriveEveryIntervalInBoxOrderAtTheTextRate) {
             gaps.push_back(lines[i].ms[k] - lines[i].ms[k - 1]);
         std::vector<qint64> sorted = gaps;
         std::sort(sorted.begin(), sorted.end());
-        EXPECT_NEAR(sorted[sorted.size() / 2], rate, kKeyJitterMs) << Describe(gaps);
+        EXPECT_NEAR(sorted[sorted.size() / 2], rate, kKeyJitterMs) << testing::PrintToString(gaps);
         // The first key of a line may wait for the window manager to hand the console
         // the focus, which shortens the gap after it; never to two keys in one tick.
-        EXPECT_GT(gaps.front(), rate / 2) << Describe(gaps);
+        EXPECT_GT(gaps.front(), rate / 2) << testing::PrintToString(gaps);
         EXPECT_GE(*std::min_element(gaps.begin() + 1, gaps.end()), rate - kKeyJitterMs)
-            << Describe(gaps);
+            << testing::PrintToString(gaps);
     }
     // The second line of a batch waits for the typist to finish the first (one more
     // tick) and for the next dispatcher tick, then one more tick for its first key.

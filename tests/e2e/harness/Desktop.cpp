@@ -69,19 +69,6 @@ QString Desktop::WindowTitle(WindowId window) const {
     return name.endsWith('\n') ? name.chopped(1) : name;
 }
 
-std::optional<QRect> Desktop::WindowGeometry(WindowId window) const {
-    const ToolResult info = Run("xwininfo", {"-id", Hex(window)});
-    if (info.exitCode != 0)
-        return std::nullopt;
-    auto field = [&](const QString& name) {
-        const QRegularExpression re(QRegularExpression::escape(name) + ":\\s*(-?\\d+)");
-        auto m = re.match(info.out);
-        return m.hasMatch() ? m.captured(1).toInt() : 0;
-    };
-    return QRect(field("Absolute upper-left X"), field("Absolute upper-left Y"), field("Width"),
-                 field("Height"));
-}
-
 bool Desktop::Click(WindowId window, QPoint position) const {
     // "mousemove --sync" waits for the pointer to move; when it already rests on the
     // spot it would wait out the tool's whole time limit.

@@ -3,7 +3,6 @@
 #include "Process.h"
 
 #include <QPoint>
-#include <QRect>
 #include <QString>
 #include <QStringList>
 
@@ -35,8 +34,6 @@ public:
     bool WaitForWindowGone(WindowId window, std::chrono::milliseconds timeout = 10s) const;
     bool WindowExists(WindowId window) const;
     QString WindowTitle(WindowId window) const;
-    // The client area: origin on the screen and size.
-    std::optional<QRect> WindowGeometry(WindowId window) const;
 
     // Moves the pointer to `position` inside the window's client area and clicks.
     bool Click(WindowId window, QPoint position) const;

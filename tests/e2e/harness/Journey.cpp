@@ -4,6 +4,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QRect>
 #include <QRegularExpression>
 #include <QXmlStreamReader>
 
