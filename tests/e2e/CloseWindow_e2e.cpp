@@ -1,6 +1,7 @@
 // The close walk and the activation over the real X11 backend, against foreign xterm
 // windows and windows of this process, on a private Xvfb with openbox.
 #include "Desktop.h"
+#include "Texts.h"
 #include "XSession.h"
 
 #include "automation/Module2.h"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <memory>
+
 #include <unistd.h>
 
 #include <X11/Xatom.h>
@@ -19,8 +21,6 @@
 using namespace e2e;
 
 namespace {
-
-const QString kServer = QStringLiteral("Red Faction Dedicated Server");
 
 struct WindowOptions {
     bool ownPid = true;         // _NET_WM_PID of this process
@@ -116,7 +116,7 @@ protected:
     // A foreign console window, as the server run through Wine would show it.
     std::pair<Process, WindowId> Xterm(const QString& title) {
         Process xterm("xterm", {"-T", title, "-e", "sleep", "600"},
-                      ProcessOptions{session_->Environment(), {}, {}, {}});
+                      {session_->Environment()});
         const WindowId id = desktop_.WaitForWindow(title).value_or(0);
         EXPECT_NE(id, 0u) << title.toStdString();
         return {std::move(xterm), id};
@@ -127,7 +127,7 @@ protected:
 
     inline static std::unique_ptr<XSession> session_;
     X11WindowServices services_;
-    Desktop desktop_{*session_};
+    Desktop desktop_{session_->Display()};
     RawWindow main_{session_->Display(), "Hostwarden"};
 };
 
@@ -135,7 +135,7 @@ protected:
 // match. Activation and closing both take the upper console, and only that one; a window
 // that cannot be asked to close is closed by the window manager.
 TEST_F(CloseWindowTest, ServerConsolesAreActivatedAndClosedFromTheTopDown) {
-    auto [upper, upperId] = Xterm(kServer);
+    auto [upper, upperId] = Xterm(kServerTitle);
     auto [lower, lowerId] = Xterm("my RED FACTION DEDICATED SERVER log");
     auto [part, partId] = Xterm("Red Faction Dedicated");
     // The first one started is raised again, so "upper" is not merely "newest".
@@ -145,25 +145,25 @@ TEST_F(CloseWindowTest, ServerConsolesAreActivatedAndClosedFromTheTopDown) {
     EXPECT_EQ(services_.ActivateByTitle("red faction DEDICATED server"), ActivateResult::Activated);
     EXPECT_EQ(desktop_.ActiveWindow(), upperId);
     // Already in front: reported at once.
-    EXPECT_EQ(services_.ActivateByTitle(kServer), ActivateResult::Activated);
+    EXPECT_EQ(services_.ActivateByTitle(kServerTitle), ActivateResult::Activated);
     EXPECT_EQ(services_.ActivateByTitle("No Such Server"), ActivateResult::NotFound);
 
-    CloseWindowByTitle(services_, kServer);
+    CloseWindowByTitle(services_, kServerTitle);
     EXPECT_TRUE(upper.WaitForExit(10s).has_value()) << "the upper console was not closed";
     Settle();
     EXPECT_TRUE(lower.IsRunning());
     ASSERT_TRUE(desktop_.WaitForWindowGone(upperId));
 
-    CloseWindowByTitle(services_, kServer);
+    CloseWindowByTitle(services_, kServerTitle);
     EXPECT_TRUE(lower.WaitForExit(10s).has_value());
     ASSERT_TRUE(desktop_.WaitForWindowGone(lowerId));
     EXPECT_TRUE(part.IsRunning());
-    EXPECT_EQ(services_.ActivateByTitle(kServer), ActivateResult::NotFound);
+    EXPECT_EQ(services_.ActivateByTitle(kServerTitle), ActivateResult::NotFound);
 
     // openbox ends the connection of a client that cannot be asked politely.
-    RawWindow plain(session_->Display(), kServer, {.ownPid = false, .deletable = false});
+    RawWindow plain(session_->Display(), kServerTitle, {.ownPid = false, .deletable = false});
     ASSERT_TRUE(Managed(plain.Id()));
-    CloseWindowByTitle(services_, kServer);
+    CloseWindowByTitle(services_, kServerTitle);
     EXPECT_TRUE(WaitUntil([&] { return plain.Disconnected(); }, 15s));
     EXPECT_TRUE(services_.IsConnected());
 }
@@ -171,7 +171,7 @@ TEST_F(CloseWindowTest, ServerConsolesAreActivatedAndClosedFromTheTopDown) {
 // Our own windows are never closed, and because the walk stops at the first match, a
 // server console below one of them is not closed either.
 TEST_F(CloseWindowTest, OwnWindowsAreNeverClosedAndHideTheConsoleBelow) {
-    auto [console, consoleId] = Xterm(kServer);
+    auto [console, consoleId] = Xterm(kServerTitle);
     enum Own { OfThisProcess, MainWindowItself, TransientForMain };
     for (const Own kind : {OfThisProcess, MainWindowItself, TransientForMain}) {
         SCOPED_TRACE(kind);
@@ -181,9 +181,9 @@ TEST_F(CloseWindowTest, OwnWindowsAreNeverClosedAndHideTheConsoleBelow) {
         services_.SetMainWindow(WindowHandle(kind == MainWindowItself ? own.Id() : main_.Id()));
         ASSERT_TRUE(Managed(own.Id()));
         ASSERT_TRUE(desktop_.Activate(own.Id()));
-        ASSERT_EQ(desktop_.FindWindow(kServer, TitleMatch::Contains), own.Id());
+        ASSERT_EQ(desktop_.FindWindow(kServerTitle, TitleMatch::Contains), own.Id());
 
-        CloseWindowByTitle(services_, kServer);
+        CloseWindowByTitle(services_, kServerTitle);
 
         Settle();
         EXPECT_EQ(own.CloseRequests(), 0);
@@ -193,12 +193,12 @@ TEST_F(CloseWindowTest, OwnWindowsAreNeverClosedAndHideTheConsoleBelow) {
 }
 
 TEST_F(CloseWindowTest, AConsoleShowingAModalDialogIsLeftAloneAndNothingElseIsTried) {
-    RawWindow lower(session_->Display(), kServer, {.ownPid = false});
+    RawWindow lower(session_->Display(), kServerTitle, {.ownPid = false});
     ASSERT_TRUE(Managed(lower.Id()));
-    RawWindow console(session_->Display(), kServer, {.ownPid = false});
+    RawWindow console(session_->Display(), kServerTitle, {.ownPid = false});
     ASSERT_TRUE(Managed(console.Id()));
 
-    CloseWindowByTitle(services_, kServer);
+    CloseWindowByTitle(services_, kServerTitle);
     ASSERT_TRUE(WaitUntil([&] { return console.CloseRequests() == 1; }, 15s))
         << "the console, enabled, is asked to close";
 
@@ -208,7 +208,7 @@ TEST_F(CloseWindowTest, AConsoleShowingAModalDialogIsLeftAloneAndNothingElseIsTr
     EXPECT_EQ(services_.GetStyle(WindowHandle(console.Id())), WS_DISABLED);
     EXPECT_EQ(services_.GetStyle(WindowHandle(lower.Id())), 0u);
 
-    CloseWindowByTitle(services_, kServer);
+    CloseWindowByTitle(services_, kServerTitle);
 
     Settle();
     EXPECT_EQ(console.CloseRequests(), 1);
@@ -224,21 +224,21 @@ TEST(WithoutWindowManager, TheConsoleIsActivatedAndClosedAndALostServerIsSurvive
     X11WindowServices services(session.Display().toLocal8Bit().constData());
     RawWindow main(session.Display(), "Hostwarden");
     auto console =
-        std::make_unique<RawWindow>(session.Display(), kServer, WindowOptions{.ownPid = false});
+        std::make_unique<RawWindow>(session.Display(), kServerTitle, WindowOptions{.ownPid = false});
     RawWindow notes(session.Display(), "notes", {.ownPid = false});
     services.SetMainWindow(WindowHandle(main.Id()));
 
-    EXPECT_EQ(services.ActivateByTitle(kServer), ActivateResult::Activated);
+    EXPECT_EQ(services.ActivateByTitle(kServerTitle), ActivateResult::Activated);
     EXPECT_EQ(services.ClientWindows().front(), console->Id()) << "raised to the top";
 
-    CloseWindowByTitle(services, kServer);
+    CloseWindowByTitle(services, kServerTitle);
 
     EXPECT_TRUE(WaitUntil([&] { return console->CloseRequests() == 1; }, 10s));
     EXPECT_EQ(notes.CloseRequests(), 0);
     EXPECT_EQ(main.CloseRequests(), 0);
     console.reset();
     EXPECT_TRUE(WaitUntil(
-        [&] { return services.ActivateByTitle(kServer) == ActivateResult::NotFound; }, 10s));
+        [&] { return services.ActivateByTitle(kServerTitle) == ActivateResult::NotFound; }, 10s));
 
     session.StopServer();
     EXPECT_EQ(services.ActivateByTitle("notes"), ActivateResult::NotFound);

@@ -1,6 +1,5 @@
 #include "Desktop.h"
 
-#include "Artifacts.h"
 #include "XSession.h"
 
 #include <QRegularExpression>
@@ -20,55 +19,32 @@ std::optional<WindowId> ParseId(const QString& text) {
     return ok && id != 0 ? std::optional<WindowId>(id) : std::nullopt;
 }
 
-bool Matches(const QString& windowTitle, const QString& title, TitleMatch match) {
-    if (match == TitleMatch::Exact)
-        return windowTitle == title;
-    return windowTitle.contains(title, Qt::CaseInsensitive);
-}
-
 } // namespace
 
-Desktop::Desktop(const XSession& session) : display_(session.Display()) {}
-
-Desktop::Desktop(const QString& display) : display_(display) {}
-
-ToolResult Desktop::Run(const QString& program, const QStringList& args) const {
-    return RunTool(program, args, {"DISPLAY=" + display_});
-}
-
-std::vector<ClientWindow> Desktop::Windows() const {
+std::vector<WindowId> Desktop::Windows() const {
     std::vector<WindowId> ids;
     const ToolResult list = Run("xprop", {"-root", "-notype", "_NET_CLIENT_LIST_STACKING"});
     static const QRegularExpression hexId("0x[0-9a-fA-F]+");
-    if (list.exitCode == 0 && list.out.contains("#")) {
+    if (list.exitCode == 0 && list.out.contains("#"))
         for (const auto& m : hexId.globalMatch(list.out.section('#', 1)))
             if (auto id = ParseId(m.captured()))
                 ids.insert(ids.begin(), *id);
-    } else {
-        // No window manager: the mapped children of the root, listed bottom to top.
-        const ToolResult tree =
-            Run("xdotool", {"search", "--onlyvisible", "--maxdepth", "1", "--name", ""});
-        for (const QString& line : tree.out.split('\n', Qt::SkipEmptyParts))
-            if (auto id = ParseId(line))
-                ids.insert(ids.begin(), *id);
-    }
-    std::vector<ClientWindow> windows;
-    for (WindowId id : ids)
-        windows.push_back({id, WindowTitle(id)});
-    return windows;
+    return ids;
 }
 
 QStringList Desktop::WindowTitles() const {
     QStringList titles;
-    for (const auto& w : Windows())
-        titles << w.title;
+    for (WindowId id : Windows())
+        titles << WindowTitle(id);
     return titles;
 }
 
 std::optional<WindowId> Desktop::FindWindow(const QString& title, TitleMatch match) const {
-    for (const auto& w : Windows())
-        if (Matches(w.title, title, match))
-            return w.id;
+    for (WindowId id : Windows()) {
+        const QString t = WindowTitle(id);
+        if (match == TitleMatch::Exact ? t == title : t.contains(title, Qt::CaseInsensitive))
+            return id;
+    }
     return std::nullopt;
 }
 
@@ -88,36 +64,18 @@ bool Desktop::WindowExists(WindowId window) const {
 }
 
 QString Desktop::WindowTitle(WindowId window) const {
-    // _NET_WM_NAME carries UTF-8; xprop prints it as a quoted C string.
-    const ToolResult name = Run("xprop", {"-id", Hex(window), "-notype", "_NET_WM_NAME"});
-    static const QRegularExpression quoted("= \"(.*)\"\\s*$");
-    auto m = quoted.match(name.out);
-    if (name.exitCode == 0 && m.hasMatch())
-        return m.captured(1).replace("\\\"", "\"").replace("\\\\", "\\");
-    const ToolResult legacy = Run("xdotool", {"getwindowname", Hex(window)});
-    return legacy.exitCode == 0 ? legacy.out.chopped(legacy.out.endsWith('\n') ? 1 : 0) : QString();
+    // _NET_WM_NAME (UTF-8) where the window has one, WM_NAME otherwise.
+    const QString name = Run("xdotool", {"getwindowname", Hex(window)}).out;
+    return name.endsWith('\n') ? name.chopped(1) : name;
 }
 
-std::optional<QRect> Desktop::WindowGeometry(WindowId window) const {
-    const ToolResult info = Run("xwininfo", {"-id", Hex(window)});
-    if (info.exitCode != 0)
-        return std::nullopt;
-    auto field = [&](const QString& name) {
-        const QRegularExpression re(QRegularExpression::escape(name) + ":\\s*(-?\\d+)");
-        auto m = re.match(info.out);
-        return m.hasMatch() ? m.captured(1).toInt() : 0;
-    };
-    return QRect(field("Absolute upper-left X"), field("Absolute upper-left Y"), field("Width"),
-                 field("Height"));
-}
-
-bool Desktop::Click(WindowId window, QPoint position, int button) const {
+bool Desktop::Click(WindowId window, QPoint position) const {
     // "mousemove --sync" waits for the pointer to move; when it already rests on the
     // spot it would wait out the tool's whole time limit.
     Run("xdotool", {"mousemove", "0", "0"});
-    return Run("xdotool",
-               {"mousemove", "--sync", "--window", Hex(window), QString::number(position.x()),
-                QString::number(position.y()), "click", QString::number(button)})
+    return Run("xdotool", {"mousemove", "--sync", "--window", Hex(window),
+                           QString::number(position.x()), QString::number(position.y()), "click",
+                           "1"})
                .exitCode == 0;
 }
 

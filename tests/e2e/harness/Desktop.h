@@ -1,10 +1,8 @@
 #pragma once
 
 #include "Process.h"
-#include "Wait.h"
 
 #include <QPoint>
-#include <QRect>
 #include <QString>
 #include <QStringList>
 
@@ -13,45 +11,35 @@
 
 namespace e2e {
 
-class XSession;
-
 using WindowId = unsigned long;
 
 enum class TitleMatch { Exact, Contains }; // Contains ignores letter case
 
-struct ClientWindow {
-    WindowId id = 0;
-    QString title;
-};
-
-// Looks at and drives the desktop of an X session the way a person would, through
+// Looks at and drives the desktop of an X display the way a person would, through
 // xdotool, xwininfo, xprop and ImageMagick, so the program under test is watched by
 // independent tools.
 class Desktop {
 public:
-    explicit Desktop(const XSession& session);
-    explicit Desktop(const QString& display);
+    explicit Desktop(const QString& display) : display_(display) {}
 
-    // Top-level client windows, top of the stacking order first.
-    std::vector<ClientWindow> Windows() const;
+    // The window manager's client windows, top of the stacking order first.
+    std::vector<WindowId> Windows() const;
     QStringList WindowTitles() const;
     std::optional<WindowId> FindWindow(const QString& title,
                                        TitleMatch match = TitleMatch::Exact) const;
     // Polls until a window with the title is shown; nothing on timeout.
     std::optional<WindowId> WaitForWindow(const QString& title,
                                           TitleMatch match = TitleMatch::Exact,
-                                          std::chrono::milliseconds timeout = 10s) const;
+                                          std::chrono::milliseconds timeout = 20s) const;
     bool WaitForWindowGone(WindowId window, std::chrono::milliseconds timeout = 10s) const;
     bool WindowExists(WindowId window) const;
     QString WindowTitle(WindowId window) const;
-    // The client area: origin on the screen and size.
-    std::optional<QRect> WindowGeometry(WindowId window) const;
 
     // Moves the pointer to `position` inside the window's client area and clicks.
-    bool Click(WindowId window, QPoint position, int button = 1) const;
+    bool Click(WindowId window, QPoint position) const;
     // Types into whichever window has the keyboard focus.
     bool TypeText(const QString& text) const;
-    // One key or chord by X keysym name: "Return", "Tab", "ctrl+a".
+    // One key or chord by X keysym name: "Return", "Tab", "alt+y".
     bool PressKey(const QString& keys) const;
     // Asks the window manager to activate the window and waits until it is active.
     bool Activate(WindowId window) const;
@@ -63,7 +51,9 @@ public:
     QString Screenshot(const QString& name, WindowId window = 0) const;
 
     // Runs an X tool against this display.
-    ToolResult Run(const QString& program, const QStringList& args) const;
+    ToolResult Run(const QString& program, const QStringList& args) const {
+        return RunTool(program, args, {"DISPLAY=" + display_});
+    }
 
 private:
     QString display_;

@@ -4,40 +4,43 @@
 #include <QStringList>
 
 #include <chrono>
+#include <functional>
 #include <optional>
 
 #include <sys/types.h>
 
 namespace e2e {
 
+using namespace std::chrono_literals;
+
+// Polls `done` with short sleeps until it holds or `timeout` passes; true when it held.
+// For waiting on other processes, never on the program's own timers.
+bool WaitUntil(const std::function<bool()>& done, std::chrono::milliseconds timeout,
+               std::chrono::milliseconds poll = 20ms);
+
 struct ProcessOptions {
-    QStringList env;    // "NAME=value" entries added to, or replacing, this process's
-    QString workDir;    // empty: this process's current directory
-    QString stdoutFile; // empty: inherited
-    QString stderrFile; // empty: inherited
+    QStringList env;   // "NAME=value" entries added to, or replacing, this process's
+    QString workDir;   // empty: this process's current directory
+    QString output;    // file that takes stdout; empty: inherited
+    QString errors;    // file that takes stderr; empty: the same as stdout
 };
 
 // A program started directly (no shell) in a process group of its own. It dies with the
-// test process, and the destructor stops it (SIGTERM to the group, SIGKILL after a grace
-// period) when it still runs.
+// test process, and the destructor stops its group when it still runs.
 class Process {
 public:
     Process() = default;
     // Throws std::runtime_error when the program cannot be started.
     Process(const QString& program, const QStringList& args, const ProcessOptions& options = {});
-    ~Process();
-    Process(Process&& other) noexcept;
+    ~Process() { Stop(); }
+    Process(Process&& other) noexcept { *this = std::move(other); }
     Process& operator=(Process&& other) noexcept;
-    Process(const Process&) = delete;
-    Process& operator=(const Process&) = delete;
 
-    pid_t Pid() const { return pid_; } // 0 once stopped
-    bool IsRunning();
+    bool IsRunning() { return pid_ != 0 && !Reap(false); }
     // The exit code (128 + signal when a signal ended it), or nothing on timeout.
     std::optional<int> WaitForExit(std::chrono::milliseconds timeout);
-    std::optional<int> ExitCode() const { return exitCode_; }
-    // SIGTERM to the process group, SIGKILL after `grace`; returns the exit code.
-    std::optional<int> Stop(std::chrono::milliseconds grace = std::chrono::seconds(3));
+    // SIGTERM to the process group, SIGKILL after 3 s; returns the exit code.
+    std::optional<int> Stop();
 
 private:
     bool Reap(bool block);
@@ -49,11 +52,9 @@ private:
 struct ToolResult {
     int exitCode = -1; // -1 when it did not finish in time
     QString out;
-    QString err;
 };
 
-// Runs a command-line tool to completion and returns what it printed.
-ToolResult RunTool(const QString& program, const QStringList& args, const QStringList& env = {},
-                   std::chrono::milliseconds timeout = std::chrono::seconds(15));
+// Runs a command-line tool to completion and returns what it printed on stdout.
+ToolResult RunTool(const QString& program, const QStringList& args, const QStringList& env = {});
 
 } // namespace e2e

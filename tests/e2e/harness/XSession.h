@@ -6,43 +6,39 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-#include <memory>
+#include <cstdlib>
 
 namespace e2e {
 
 // A private X server (Xvfb, 1280x1024x24, no TCP) on a free display, with openbox
-// managing it unless asked otherwise. Nothing is exported globally: child processes get
-// Environment(), and UseInThisProcess() points this process's own DISPLAY at it (restored
-// on destruction). The destructor stops everything the session started.
+// managing it unless asked otherwise. Child processes get Environment(); UseInThisProcess()
+// points this process's own DISPLAY at it. The destructor stops everything it started.
 // Throws std::runtime_error when the server or the window manager does not come up.
 class XSession {
 public:
     enum class WindowManager { Openbox, Absent };
 
     explicit XSession(WindowManager wm = WindowManager::Openbox);
-    ~XSession();
     XSession(const XSession&) = delete;
     XSession& operator=(const XSession&) = delete;
 
     const QString& Display() const { return display_; } // ":N"
     QStringList Environment() const { return {"DISPLAY=" + display_}; }
-    void UseInThisProcess();
-
-    // Stops the window manager (to exercise the no-manager paths) or the whole server.
-    void StopWindowManager();
-    void StopServer();
+    void UseInThisProcess() const { setenv("DISPLAY", display_.toLocal8Bit().constData(), 1); }
+    // Stops the X server, as a lost connection would show it to its clients.
+    void StopServer() {
+        windowManager_.Stop();
+        server_.Stop();
+    }
 
 private:
-    void StartServer();
-    void StartOpenbox();
-
     QTemporaryDir dir_;
     QString display_;
     Process server_;
-    Process windowManager_;
-    bool displaySet_ = false;
-    bool hadDisplay_ = false;
-    QByteArray previousDisplay_;
+    Process windowManager_; // declared after the server, so it is stopped first
 };
+
+// Where tests leave screenshots and logs; created on first use.
+QString ArtifactPath(const QString& fileName);
 
 } // namespace e2e
