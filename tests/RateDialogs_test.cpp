@@ -1,7 +1,7 @@
 #include "MainWindow.h"
 
-#include "ui/automation/RateHandlers.h"
 #include "ui/RateDialogs.h"
+#include "ui/automation/RateHandlers.h"
 #include "ui_MsgRate.h"
 #include "ui_Text_Rate.h"
 

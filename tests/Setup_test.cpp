@@ -1,10 +1,10 @@
 #include "TestServices.h"
 
-#include "ui/server/SetupHandlers.h"
 #include "settings/ServerConfig.h"
 #include "ui/Hostwarden.h"
 #include "ui/Setup.h"
 #include "ui/WindowRegistry.h"
+#include "ui/server/SetupHandlers.h"
 #include "ui/settings/ResetHandlers.h"
 #include "ui_Hostwarden.h"
 #include "ui_Setup.h"

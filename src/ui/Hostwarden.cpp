@@ -39,9 +39,9 @@ Hostwarden::Hostwarden(AppState& state, WindowRegistry& windows, Services& servi
     TMRSend.setInterval(110);
     keys_ = std::make_unique<ModPushKeys>(services.keyboard);
     messageHost_ = std::make_unique<MainWindowMessageHost>(*this);
-    automation_ = std::make_unique<AutoMessages>(*messageHost_, app, services.windows, *keys_,
-                                                 services.random, services.beeper,
-                                                 services.messages);
+    automation_ =
+        std::make_unique<AutoMessages>(*messageHost_, app, services.windows, *keys_,
+                                       services.random, services.beeper, services.messages);
 
     Connect();
     Timer1.start();

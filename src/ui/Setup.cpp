@@ -1,7 +1,7 @@
 #include "ui/Setup.h"
 
-#include "ui/server/SetupHandlers.h"
 #include "ui/DialogProtocol.h"
+#include "ui/server/SetupHandlers.h"
 #include "ui_Setup.h"
 
 #include <QCloseEvent>

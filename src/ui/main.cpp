@@ -5,11 +5,11 @@
 #include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11WindowServices.h"
 #include "server/AppState.h"
-#include "ui/server/SetupHandlers.h"
 #include "settings/IniSettingsStore.h"
 #include "settings/ProjectInfo.h"
 #include "ui/Setup.h"
 #include "ui/WindowRegistry.h"
+#include "ui/server/SetupHandlers.h"
 
 #include <QApplication>
 #include <QFont>

@@ -3,11 +3,11 @@
 #include "TestServices.h"
 
 #include "automation/AutoMessages.h"
-#include "ui/options/OptionsHandlers.h"
-#include "ui/server/StartupHandlers.h"
 #include "settings/ServerConfig.h"
 #include "ui/Hostwarden.h"
 #include "ui/WindowRegistry.h"
+#include "ui/options/OptionsHandlers.h"
+#include "ui/server/StartupHandlers.h"
 #include "ui_Hostwarden.h"
 
 #include <QListWidget>

@@ -5,6 +5,8 @@
 #include "XSession.h"
 
 #include "automation/Module2.h"
+#include "platform/KeySendError.h"
+#include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11WindowServices.h"
 #include "platform/x11/XConnectionLoss.h"
 
@@ -115,8 +117,7 @@ protected:
 
     // A foreign console window, as the server run through Wine would show it.
     std::pair<Process, WindowId> Xterm(const QString& title) {
-        Process xterm("xterm", {"-T", title, "-e", "sleep", "600"},
-                      {session_->Environment()});
+        Process xterm("xterm", {"-T", title, "-e", "sleep", "600"}, {session_->Environment()});
         const WindowId id = desktop_.WaitForWindow(title).value_or(0);
         EXPECT_NE(id, 0u) << title.toStdString();
         return {std::move(xterm), id};
@@ -218,13 +219,18 @@ TEST_F(CloseWindowTest, AConsoleShowingAModalDialogIsLeftAloneAndNothingElseIsTr
 
 // Without a window manager the top-level windows are the root's mapped children, and
 // activation raises the window and gives it the focus itself. When the X server goes
-// away, the program keeps running and finds no windows.
+// away, the program keeps running: the window services find no windows and the keyboard,
+// which holds a connection of its own, reports a failed key.
 TEST(WithoutWindowManager, TheConsoleIsActivatedAndClosedAndALostServerIsSurvived) {
     XSession session(XSession::WindowManager::Absent);
     X11WindowServices services(session.Display().toLocal8Bit().constData());
+    setenv("DISPLAY", session.Display().toLocal8Bit().constData(), 1);
+    X11Keyboard keyboard;
+    keyboard.KeyEvent(0x10, 0, 0); // Shift down and up: the keyboard's connection is open
+    keyboard.KeyEvent(0x10, 0, KEYEVENTF_KEYUP);
     RawWindow main(session.Display(), "Hostwarden");
-    auto console =
-        std::make_unique<RawWindow>(session.Display(), kServerTitle, WindowOptions{.ownPid = false});
+    auto console = std::make_unique<RawWindow>(session.Display(), kServerTitle,
+                                               WindowOptions{.ownPid = false});
     RawWindow notes(session.Display(), "notes", {.ownPid = false});
     services.SetMainWindow(WindowHandle(main.Id()));
 
@@ -241,6 +247,7 @@ TEST(WithoutWindowManager, TheConsoleIsActivatedAndClosedAndALostServerIsSurvive
         [&] { return services.ActivateByTitle(kServerTitle) == ActivateResult::NotFound; }, 10s));
 
     session.StopServer();
+    EXPECT_THROW(keyboard.KeyEvent(0x10, 0, 0), KeySendError);
     EXPECT_EQ(services.ActivateByTitle("notes"), ActivateResult::NotFound);
     EXPECT_FALSE(services.IsConnected());
     EXPECT_EQ(services.GetWindow(0, WindowRelation::First), 0u);

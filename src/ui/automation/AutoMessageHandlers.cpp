@@ -1,7 +1,7 @@
 #include "ui/automation/AutoMessageHandlers.h"
 
-#include "ui/server/LaunchHandlers.h"
 #include "ui/Hostwarden.h"
+#include "ui/server/LaunchHandlers.h"
 #include "ui_Hostwarden.h"
 
 bool MainWindowMessageHost::MessageChecked() {

@@ -1,14 +1,14 @@
 #include "ui/server/LaunchHandlers.h"
 
 #include "automation/Module2.h"
-#include "ui/options/OptionsHandlers.h"
 #include "platform/Beeper.h"
 #include "platform/MessageBoxes.h"
 #include "platform/ProcessEnd.h"
 #include "platform/Services.h"
 #include "server/StartProgram.h"
-#include "ui/settings/ConfigHandlers.h"
 #include "ui/Hostwarden.h"
+#include "ui/options/OptionsHandlers.h"
+#include "ui/settings/ConfigHandlers.h"
 #include "ui_Hostwarden.h"
 
 namespace {

@@ -6,12 +6,12 @@
 #include "platform/SettingsStore.h"
 #include "platform/WindowServices.h"
 #include "server/AppState.h"
-#include "ui/server/StartupHandlers.h"
 #include "settings/ProjectInfo.h"
 #include "settings/ServerConfig.h"
 #include "ui/Hostwarden.h"
 #include "ui/Setup.h"
 #include "ui/WindowRegistry.h"
+#include "ui/server/StartupHandlers.h"
 #include "ui_Setup.h"
 
 #include <QGuiApplication>

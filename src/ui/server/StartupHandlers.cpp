@@ -1,11 +1,11 @@
 #include "ui/server/StartupHandlers.h"
 
 #include "automation/Rates.h"
-#include "ui/options/OptionsHandlers.h"
 #include "platform/Services.h"
 #include "platform/SettingsStore.h"
-#include "ui/settings/ConfigHandlers.h"
 #include "ui/Hostwarden.h"
+#include "ui/options/OptionsHandlers.h"
+#include "ui/settings/ConfigHandlers.h"
 #include "ui_Hostwarden.h"
 
 #include <cmath>

@@ -1,11 +1,11 @@
 #include "ui/settings/ConfigFieldHandlers.h"
 
-#include "ui/options/OptionsHandlers.h"
 #include "platform/Beeper.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Services.h"
 #include "settings/ProjectInfo.h"
 #include "ui/Hostwarden.h"
+#include "ui/options/OptionsHandlers.h"
 #include "ui_Hostwarden.h"
 
 namespace {

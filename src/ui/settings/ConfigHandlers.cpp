@@ -1,12 +1,12 @@
 #include "ui/settings/ConfigHandlers.h"
 
-#include "ui/options/OptionsHandlers.h"
 #include "platform/Beeper.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Services.h"
 #include "platform/SettingsStore.h"
 #include "settings/ServerConfig.h"
 #include "ui/Hostwarden.h"
+#include "ui/options/OptionsHandlers.h"
 #include "ui_Hostwarden.h"
 
 namespace {
