@@ -39,6 +39,7 @@ TEST(Launch, CommandLineOfTheExampleOnWindowsAndLinuxPaths) {
     };
     for (const auto& row : rows) {
         Launch m(row.gameDir);
+        const WindowHandle old = m.t.windows.Add("Red Faction Dedicated Server");
         // The launch stores the configuration first, which gives it the list entry's
         // name: the example's name "Default" is the entry of a list that holds it so.
         m.app.CurrentConf = "Default";
@@ -52,6 +53,8 @@ TEST(Launch, CommandLineOfTheExampleOnWindowsAndLinuxPaths) {
         EXPECT_EQ(call.parameters, "-dedicated Default -lanonly -port 1234");
         EXPECT_EQ(call.workingDirectory, row.workingDirectory);
         EXPECT_EQ(call.windowStyle, 1);
+        EXPECT_EQ(m.t.windows.posts,
+                  (QList<FakeWindowServices::Post>{{old, WM_CANCELMODE}, {old, WM_CLOSE}}));
         EXPECT_EQ(m.w->Automation().ServerHandle(), 42);
         EXPECT_TRUE(m.timer("TMRAdds")->isActive());
     }
@@ -110,30 +113,27 @@ TEST(Launch, SwitchesFollowTheControls) {
     }
 }
 
-TEST(Launch, WritesTheOptionsBoxAsItStandsAndStoresTheConfiguration) {
+TEST(Launch, WritesTheOptionsBoxAsItStandsThenStoresTheConfiguration) {
+    // The file is written before the configuration is stored, the command line after:
+    // storing gives the configuration the name of its list entry.
     QTemporaryDir dir;
     Launch m(dir.path() + "/");
     m.ui().TXTSTat->appendPlainText("$Hand Edit: 1");
     m.ui().TXTPassword->setText("pw"); // rebuilds: the hand edit is gone
     m.ui().TXTSTat->appendPlainText("$Kept: 1");
     const QString shown = m.Text();
+    ASSERT_TRUE(shown.contains("$Name:           \"Default\"\r\n"));
+    ASSERT_FALSE(shown.contains("$Hand Edit"));
     CMDLaunch_Click(*m.w);
     QFile file(dir.path() + "/dedicated_server.txt");
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll(), shown.toLatin1());
-    EXPECT_TRUE(shown.contains("$Kept: 1\r\n") || shown.endsWith("$Kept: 1"));
-    EXPECT_FALSE(shown.contains("$Hand Edit"));
+    EXPECT_TRUE(shown.endsWith("$Kept: 1") || shown.contains("$Kept: 1\r\n"));
+    ASSERT_EQ(m.t.launcher.calls.size(), 1);
+    EXPECT_EQ(m.t.launcher.calls[0].parameters, "-dedicated DEFAULT");
+    EXPECT_EQ(m.ui().TXTConfName->text(), "DEFAULT");
     EXPECT_EQ(m.t.Get("DEFAULT", "password"), "pw");
     EXPECT_EQ(m.app.Saved, "yes");
-}
-
-TEST(Launch, AsksTheOldConsoleToClose) {
-    QTemporaryDir dir;
-    Launch m(dir.path() + "/");
-    const WindowHandle old = m.t.windows.Add("Red Faction Dedicated Server");
-    CMDLaunch_Click(*m.w);
-    EXPECT_EQ(m.t.windows.posts,
-              (QList<FakeWindowServices::Post>{{old, WM_CANCELMODE}, {old, WM_CLOSE}}));
 }
 
 TEST(Launch, FailedStartsAreReported) {
@@ -171,7 +171,10 @@ TEST(Launch, UnwritableOptionsFileStopsTheLaunch) {
     CMDLaunch_Click(*m.w);
     EXPECT_TRUE(m.t.launcher.calls.isEmpty());
     ASSERT_EQ(m.t.messages.shown.size(), 1);
-    EXPECT_EQ(m.t.messages.shown[0].title, "Options File Error");
+    const MessageRequest& box = m.t.messages.shown[0];
+    EXPECT_TRUE(box.text.endsWith("\r\nThe server was not started.")) << box.text.toStdString();
+    EXPECT_EQ(box, (MessageRequest{box.text, "Options File Error", MsgButtons::OK,
+                                   MsgIcon::Critical, MsgDefault::First}));
     EXPECT_EQ(m.w->Automation().ServerHandle(), 0);
 }
 
@@ -189,8 +192,7 @@ TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {
         QString saved;
         QList<MsgAnswer> answers;
         int boxes;
-        bool ends;
-        bool stored;
+        bool ends, stored, console = true;
     } rows[] = {
         {"No leaves everything running", "no", {MsgAnswer::No}, 1, false, false},
         {"saved: one question", "yes", {MsgAnswer::Yes}, 1, true, false},
@@ -202,10 +204,12 @@ TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {
          4,
          true,
          true},
+        {"no console: nothing to close", "yes", {MsgAnswer::Yes}, 1, true, false, false},
     };
     for (const auto& row : rows) {
         Launch m;
-        const WindowHandle console = m.t.windows.Add("Red Faction Dedicated Server");
+        const WindowHandle console =
+            row.console ? m.t.windows.Add("Red Faction Dedicated Server") : 0;
         m.ui().TXTPassword->setText("changed");
         m.app.Saved = row.saved;
         m.t.messages.answers = row.answers;
@@ -218,35 +222,10 @@ TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {
         }
         EXPECT_EQ(m.t.end.ended, row.ends ? 1 : 0);
         EXPECT_EQ(m.t.beeper.beeps, row.ends ? (row.stored ? 2 : 1) : 0);
-        EXPECT_EQ(m.t.windows.posts.size(), row.ends ? 2 : 0);
-        if (row.ends) {
+        EXPECT_EQ(m.t.windows.posts.size(), row.ends && row.console ? 2 : 0);
+        if (row.ends && row.console) {
             EXPECT_EQ(m.t.windows.posts.last(), (FakeWindowServices::Post{console, WM_CLOSE}));
         }
         EXPECT_EQ(m.t.Get("DEFAULT", "password"), row.stored ? "changed" : "");
     }
-}
-
-TEST(Exit, WithoutAServerWindowEndsSilently) {
-    Launch m;
-    m.app.Saved = "yes";
-    m.t.messages.answers = {MsgAnswer::Yes};
-    CMDExit_Click(*m.w);
-    EXPECT_EQ(m.t.end.ended, 1);
-    EXPECT_EQ(m.t.messages.shown.size(), 1);
-    EXPECT_TRUE(m.t.windows.posts.isEmpty());
-}
-
-TEST(Launch, StoresFirstSoTheServerIsNamedAfterTheListEntry) {
-    // The file is written before the configuration is stored, the command line after:
-    // storing gives the configuration the name of its list entry.
-    QTemporaryDir dir;
-    Launch m(dir.path() + "/");
-    ASSERT_EQ(m.ui().TXTConfName->text(), "Default");
-    CMDLaunch_Click(*m.w);
-    ASSERT_EQ(m.t.launcher.calls.size(), 1);
-    EXPECT_EQ(m.t.launcher.calls[0].parameters, "-dedicated DEFAULT");
-    QFile file(dir.path() + "/dedicated_server.txt");
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(file.readAll().contains("$Name:           \"Default\"\r\n"));
-    EXPECT_EQ(m.ui().TXTConfName->text(), "DEFAULT");
 }
