@@ -39,6 +39,14 @@ struct SetupRun {
     }
 };
 
+// A title bar but no close box: the operator leaves through the window's own buttons.
+void ExpectNoCloseBox(const QWidget* window) {
+    EXPECT_TRUE(window->windowFlags() & Qt::CustomizeWindowHint)
+        << window->objectName().toStdString();
+    EXPECT_FALSE(window->windowFlags() & Qt::WindowCloseButtonHint)
+        << window->objectName().toStdString();
+}
+
 } // namespace
 
 TEST(Setup, LaterRunGoesStraightToTheMainWindow) {
@@ -59,7 +67,7 @@ TEST(Setup, LaterRunGoesStraightToTheMainWindow) {
         EXPECT_FALSE(r.setup->isVisible());
         ASSERT_NE(r.forms.MainWindow, nullptr);
         EXPECT_TRUE(r.forms.MainWindow->isVisible());
-        EXPECT_EQ(r.forms.MainWindow->windowTitle(), "Hostwarden 2.0.1 by Velloquin");
+        ExpectNoCloseBox(r.forms.MainWindow);
         EXPECT_EQ(r.app.GameDir, row.storeLocation ? "/games/rf/" : "");
         EXPECT_EQ(r.t.Get("Startup", "RFLocation"), r.app.GameDir);
         EXPECT_EQ(r.forms.MainWindow->ui->TXTConfName->text(), "Default");
@@ -80,6 +88,7 @@ TEST(Setup, FirstRunWarnsShowsTheStoredDirectoryAndCreatesTheDefaults) {
     EXPECT_EQ(r.forms.MainWindow, nullptr);
     EXPECT_EQ(r.setup->ui->TXTRFLocate->text(), "/games/rf/");
     EXPECT_TRUE(r.setup->ui->CMDOK->isEnabled());
+    ExpectNoCloseBox(r.setup);
 
     r.setup->show();
     QTest::mouseClick(r.setup->ui->CMDOK, Qt::LeftButton);
@@ -94,49 +103,22 @@ TEST(Setup, FirstRunWarnsShowsTheStoredDirectoryAndCreatesTheDefaults) {
     delete r.setup;
 }
 
-TEST(Setup, EmptyStoreStartsWithDefaultsOnceADirectoryIsChosen) {
-    SetupRun r;
-    r.Start();
-    ASSERT_EQ(r.t.messages.shown.size(), 1);
-    EXPECT_FALSE(r.setup->ui->CMDOK->isEnabled());
-    // What Browse's OK does.
-    r.setup->ui->TXTRFLocate->setText("/games/rf/");
-    r.setup->ui->CMDOK->setEnabled(true);
-    Setup_CMDOK_Click(*r.setup);
-
-    Hostwarden& w = *r.forms.MainWindow;
-    EXPECT_EQ(w.TextRate(), 110);
-    EXPECT_EQ(r.app.MessageRate, 3);
-    EXPECT_FALSE(w.ui->CHKServRec->isChecked());
-    EXPECT_FALSE(w.ui->CHKGameTracker->isChecked());
-    EXPECT_FALSE(w.ui->CHKPort->isChecked());
-    EXPECT_TRUE(w.ui->TXTPort->text().isEmpty());
-    EXPECT_FALSE(w.ui->TXTPort->isEnabled());
-    EXPECT_EQ(r.app.CurrentConf, "DEFAULT");
-    EXPECT_EQ(w.ui->TXTConfName->text(), "Default");
-    EXPECT_EQ(r.app.Saved, "yes");
-    delete r.setup;
-}
-
 TEST(Setup, CancelEndsTheProgramAndStoresNothing) {
-    {
+    for (bool atTheWarning : {true, false}) {
+        SCOPED_TRACE(atTheWarning ? "at the warning" : "in the window");
         SetupRun r;
-        r.t.messages.answers = {MsgAnswer::Cancel};
+        if (atTheWarning)
+            r.t.messages.answers = {MsgAnswer::Cancel};
         r.Start();
+        if (!atTheWarning)
+            QTest::mouseClick(r.setup->ui->CMDCancel, Qt::LeftButton);
         EXPECT_EQ(r.t.end.ended, 1);
         EXPECT_EQ(r.forms.MainWindow, nullptr);
         EXPECT_TRUE(r.t.store.IsEmpty(kAppName));
     }
-    {
-        SetupRun r;
-        r.Start();
-        QTest::mouseClick(r.setup->ui->CMDCancel, Qt::LeftButton);
-        EXPECT_EQ(r.t.end.ended, 1);
-        EXPECT_TRUE(r.t.store.IsEmpty(kAppName));
-    }
 }
 
-TEST(Setup, AfterAResetTheNextStartIsAFirstRunWithOnlyDefault) {
+TEST(Setup, AfterAResetTheNextStartIsAFirstRunWithTheDefaultsOnly) {
     {
         SetupRun r;
         CreateDefaultConfig(r.t.store, kAppName);
@@ -154,9 +136,23 @@ TEST(Setup, AfterAResetTheNextStartIsAFirstRunWithOnlyDefault) {
     next.Start();
     ASSERT_EQ(next.t.messages.shown.size(), 1);
     EXPECT_EQ(next.t.messages.shown[0], kWarning);
+    EXPECT_FALSE(next.setup->ui->CMDOK->isEnabled()) << "no directory chosen yet";
+    // What Browse's OK does.
     next.setup->ui->TXTRFLocate->setText("/games/rf/");
+    next.setup->ui->CMDOK->setEnabled(true);
     Setup_CMDOK_Click(*next.setup);
-    EXPECT_EQ(next.forms.MainWindow->ui->LSTConfig->count(), 1);
-    EXPECT_EQ(next.forms.MainWindow->ui->LSTConfig->itemText(0), "DEFAULT");
+
+    Hostwarden& w = *next.forms.MainWindow;
+    EXPECT_EQ(w.ui->LSTConfig->count(), 1);
+    EXPECT_EQ(w.ui->LSTConfig->itemText(0), "DEFAULT");
+    EXPECT_EQ(next.app.CurrentConf, "DEFAULT");
+    EXPECT_EQ(w.ui->TXTConfName->text(), "Default");
+    EXPECT_EQ(next.app.Saved, "yes");
+    EXPECT_EQ(w.TextRate(), 110);
+    EXPECT_EQ(next.app.MessageRate, 3);
+    for (const QCheckBox* box : {w.ui->CHKServRec, w.ui->CHKGameTracker, w.ui->CHKPort})
+        EXPECT_FALSE(box->isChecked()) << box->objectName().toStdString();
+    EXPECT_TRUE(w.ui->TXTPort->text().isEmpty());
+    EXPECT_FALSE(w.ui->TXTPort->isEnabled());
     delete next.setup;
 }
