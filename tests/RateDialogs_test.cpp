@@ -107,17 +107,3 @@ TEST(RateDialogs, CancelChangesNothing) {
     EXPECT_EQ(m.t.Get("Startup", "MsgRate"), "");
     EXPECT_EQ(m.forms.MsgRate, nullptr);
 }
-
-TEST(RateDialogs, ARestartTakesTheStoredRates) {
-    MainWindow m;
-    m.SeedFirstRun();
-    m.t.Put("Startup", "TextRate", "50");
-    m.t.Put("Startup", "MsgRate", "10");
-    m.Load();
-    EXPECT_EQ(m.w->TextRate(), 50);
-    EXPECT_EQ(m.app.MessageRate, 10);
-    m.ui().CHKMessage->setChecked(true);
-    m.w->ServerLaunched(1);
-    emit m.timer("TMRAdds")->timeout({});
-    EXPECT_EQ(m.ui().LBLCount->text(), "Next Auto Message due in 599 seconds.");
-}
