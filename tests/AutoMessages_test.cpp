@@ -6,6 +6,7 @@
 #include "Recorders.h"
 #include "RecordingKeySender.h"
 #include "ScriptedMessageBoxes.h"
+#include "Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +15,7 @@
 
 namespace {
 
-const QString kServerTitle = "Red Faction Dedicated Server";
+using texts::kServerTitle;
 
 class FakeHost : public AutoMessageHost {
 public:

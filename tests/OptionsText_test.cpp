@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "Texts.h"
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -39,26 +41,10 @@ TEST(OptionsText, WorkedExampleIsWrittenByteForByte) {
         gameDir, ComposeOptionsText(WorkedExample(), {"ctf01", "dm \"x\" 02", "é€ ✓ ß"}), &error))
         << error.toStdString();
     ASSERT_TRUE(old.open(QIODevice::ReadOnly));
-    EXPECT_EQ(old.readAll(), QByteArray("#Dedicated Server Options\r\n"
-                                        "$Name:           \"Default\"\r\n"
-                                        "$Server Name:    \"$Me's Dedicated CTF Running "
-                                        "Hostwarden 2.0\"\r\n"
-                                        "$Game Type:      \"CTF\"\r\n"
-                                        "$Max Players:    16\r\n"
-                                        "$Password:       \"\"\r\n"
-                                        "$Rcon Password:  \"\"\r\n"
-                                        "$Max Time:       30\r\n"
-                                        "$Max Kills:      50\r\n"
-                                        "$Max Captures:   5\r\n"
-                                        "$Geomod Limit:   128\r\n"
-                                        "$Team Damage:    False\r\n"
-                                        "$Fall Damage:    True\r\n"
-                                        "$Weapons Stay:    False\r\n"
-                                        "$Force Respawn:  False\r\n"
-                                        "$Balance Teams:  True\r\n"
-                                        "$Map:            \"ctf01\"\r\n"
-                                        "$Map:            \"dm \"x\" 02\"\r\n"
-                                        "$Map:            \"\xE9\x80 ? \xDF\"\r\n"));
+    EXPECT_EQ(old.readAll(),
+              texts::kFirstRunOptions + QByteArray("$Map:            \"ctf01\"\r\n"
+                                                   "$Map:            \"dm \"x\" 02\"\r\n"
+                                                   "$Map:            \"\xE9\x80 ? \xDF\"\r\n"));
 }
 
 TEST(OptionsText, ValuesAreRenderedAsTheFileExpects) {

@@ -1,11 +1,11 @@
-// Texts the operator meets and files the program writes, as the journeys expect them.
+// Texts the operator meets and files the program writes, as the tests expect them.
 #pragma once
 
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
 
-namespace e2e {
+namespace texts {
 
 inline const QString kAppName = QStringLiteral("Hostwarden 2.0"); // names the settings file
 inline const QString kMainTitle = QStringLiteral("Hostwarden 2.0.1 by Velloquin");
@@ -44,4 +44,8 @@ inline const QByteArray kFirstRunOptions = "#Dedicated Server Options\r\n"
                                            "$Force Respawn:  False\r\n"
                                            "$Balance Teams:  True\r\n";
 
+} // namespace texts
+
+namespace e2e {
+using namespace texts;
 } // namespace e2e
