@@ -223,6 +223,14 @@ TEST_F(CloseWindowTest, AConsoleShowingAModalDialogIsLeftAloneAndNothingElseIsTr
 // which holds a connection of its own, reports a failed key.
 TEST(WithoutWindowManager, TheConsoleIsActivatedAndClosedAndALostServerIsSurvived) {
     XSession session(XSession::WindowManager::Absent);
+    // A connection of someone else's (the toolkit's) keeps the handler it had: here one that
+    // records the loss instead of ending the test.
+    static bool otherLost = false;
+    XSetIOErrorHandler([](::Display*) { return 0; });
+    ::Display* other = XOpenDisplay(session.Display().toLocal8Bit().constData());
+    ASSERT_NE(other, nullptr);
+    XSetIOErrorExitHandler(
+        other, [](::Display*, void*) { otherLost = true; }, nullptr);
     X11WindowServices services(session.Display().toLocal8Bit().constData());
     setenv("DISPLAY", session.Display().toLocal8Bit().constData(), 1);
     X11Keyboard keyboard;
@@ -248,6 +256,8 @@ TEST(WithoutWindowManager, TheConsoleIsActivatedAndClosedAndALostServerIsSurvive
 
     session.StopServer();
     EXPECT_THROW(keyboard.KeyEvent(0x10, 0, 0), KeySendError);
+    XSync(other, False); // the loss travels the handler chain once, without recursing
+    EXPECT_TRUE(otherLost);
     EXPECT_EQ(services.ActivateByTitle("notes"), ActivateResult::NotFound);
     EXPECT_FALSE(services.IsConnected());
     EXPECT_EQ(services.GetWindow(0, WindowRelation::First), 0u);
