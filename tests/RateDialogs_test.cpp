@@ -79,6 +79,11 @@ TEST(MsgRateDialog, StoresOnOKButShowsTheRunningRate) {
     EXPECT_EQ(m.t.Get("Startup", "MsgRate"), "10");
     EXPECT_EQ(m.app.MessageRate, 3);
     EXPECT_TRUE(m.w->isEnabled());
+    // The running countdown goes on at the rate it started with.
+    m.ui().CHKMessage->setChecked(true);
+    m.w->ServerLaunched(1);
+    emit m.timer("TMRAdds")->timeout({});
+    EXPECT_EQ(m.ui().LBLCount->text(), "Next Auto Message due in 179 seconds.");
 
     m.app.MessageRate = 12;
     m.ui().CMDMsgRate->click();
