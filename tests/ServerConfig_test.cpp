@@ -1,7 +1,9 @@
+#include "automation/Rates.h"
 #include "settings/ServerConfig.h"
 #include "ui/settings/ResetHandlers.h"
 
 #include "TestServices.h"
+#include "Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -9,36 +11,26 @@ namespace {
 
 // The first-run configuration as the store holds it, key by key in the order written.
 const QStringList kFirstRun =
-    ("gametype=CTF|servname=$Me's Dedicated CTF Running Hostwarden 2.0|name=Default|"
-     "maxplayers=16|password=|rconpass=|maxtime=30|maxcaps=5|maxkills=50|maxgeo=128|"
-     "teamdamage=false|forcespawn=false|balance=true|weaponstay=false|falldamage=true|default=1|"
-     "Text0=This Dedicated Server is running with Hostwarden 2.0 by Velloquin|Text1=Visit " +
-     kProjectAddress + " for updates.|Text2=|Text3=|MessageOn=1|MapCount=0")
-        .split('|');
+    texts::kFirstRunDefaults.mid(0, 16) +
+    QStringList{"Text0=This Dedicated Server is running with Hostwarden 2.0 by Velloquin",
+                "Text1=Visit " + kProjectAddress + " for updates.", "Text2=", "Text3="} +
+    texts::kFirstRunDefaults.mid(16);
 
+// Over an existing store: values are overwritten, other keys and sections stay, the list is
+// written afresh.
 TEST(CreateDefaultConfig, WritesTheFirstRunSectionAndTheList) {
     TestServices t;
-    CreateDefaultConfig(t.store, kAppName);
-    EXPECT_EQ(t.store.Dump(kAppName, "Default"), kFirstRun);
-    EXPECT_EQ(t.store.Dump(kAppName, "ConfName"), QStringList({"ConfCount=1", "Conf1=DEFAULT"}));
-    // The list entry names the same section, and the count is read under its other name.
-    EXPECT_EQ(t.Get("DEFAULT", "mapcount"), "0");
-    EXPECT_EQ(t.Get("DEFAULT", "name"), "Default");
-    EXPECT_EQ(t.Get("DEFAULT", "Mod"), "");
-}
-
-TEST(CreateDefaultConfig, OnAnExistingStoreResetsTheListAndKeepsOtherSections) {
-    TestServices t;
+    t.Put("Default", "gametype", "DM");
+    t.Put("Default", "map0", "ctf01");
     t.Put("ConfName", "ConfCount", "2");
-    t.Put("ConfName", "Conf1", "DEFAULT");
     t.Put("ConfName", "Conf2", "CLAN");
     t.Put("CLAN", "default", "1");
-    t.Put("Default", "maxplayers", "8");
-    t.Put("Default", "map0", "ctf01");
     CreateDefaultConfig(t.store, kAppName);
-    EXPECT_EQ(t.Get("ConfName", "ConfCount"), "1");
-    EXPECT_EQ(t.Get("Default", "maxplayers"), "16");
-    EXPECT_EQ(t.Get("Default", "map0"), "ctf01"); // nothing is deleted first
+    QStringList expected = kFirstRun;
+    expected.insert(1, "map0=ctf01");
+    EXPECT_EQ(t.store.Dump(kAppName, "Default"), expected);
+    EXPECT_EQ(t.store.Dump(kAppName, "ConfName"),
+              QStringList({"ConfCount=1", "Conf2=CLAN", "Conf1=DEFAULT"}));
     EXPECT_EQ(t.Get("CLAN", "default"), "1");
 }
 
@@ -48,7 +40,6 @@ TEST(CreateNewConfig, WritesTheDefaultsAndMarksTheConfigurationSaved) {
     TestServices t;
     t.Put("CLAN", "default", "1");
     t.Put("CLAN", "map0", "ctf01");
-    t.Put("CLAN", "map1", "ctf02");
     t.Put("HALF", "default", "0");
     t.Put("HALF", "map0", "ctf01");
     AppState s;
@@ -77,25 +68,23 @@ TEST(Reset, AsksThenDeletesEverythingAndEnds) {
         TestServices t;
         AppState s;
         s.AppName = kAppName;
-        CreateDefaultConfig(t.store, kAppName);
         t.Put("Startup", "HasRunSetup", "1");
         t.messages.answers = {answer};
-
         CMDReset_Click(t.services, s);
-
-        ASSERT_EQ(t.messages.shown.size(), 1);
-        EXPECT_EQ(t.messages.shown[0],
-                  (MessageRequest{"All configurations and settings for this program will be "
-                                  "deleted.\r\nReset Registry entries for this program?",
-                                  "Reset Application Registry Entries?", MsgButtons::YesNo,
-                                  MsgIcon::Critical, MsgDefault::Second}));
-        const bool yes = answer == MsgAnswer::Yes;
+        EXPECT_EQ(t.messages.shown,
+                  (QList<MessageRequest>{{"All configurations and settings for this program will "
+                                          "be deleted.\r\nReset Registry entries for this program?",
+                                          "Reset Application Registry Entries?", MsgButtons::YesNo,
+                                          MsgIcon::Critical, MsgDefault::Second}}));
+        const int yes = answer == MsgAnswer::Yes;
         EXPECT_EQ(t.store.IsEmpty(kAppName), yes);
-        EXPECT_EQ(t.beeper.beeps, yes ? 1 : 0);
-        EXPECT_EQ(t.end.ended, yes ? 1 : 0);
+        EXPECT_EQ(t.beeper.beeps, yes);
+        EXPECT_EQ(t.end.ended, yes);
     }
 }
 
+// Numbers, booleans and rates as a hand edit may leave them. A rate is clamped into its
+// dialog's range; text that is no number gives the default.
 TEST(StoredFields, ReadingRules) {
     const struct {
         const char* text;
@@ -107,6 +96,16 @@ TEST(StoredFields, ReadingRules) {
     for (const auto& row : rows) {
         EXPECT_EQ(ReadNumber(row.text), row.number) << row.text;
         EXPECT_EQ(ReadBoolean(row.text), row.boolean) << row.text;
+    }
+    const char *const huge = "99999999999999999999", *const minusHuge = "-99999999999999999999";
+    const std::tuple<const char*, int, int> rates[] = {
+        {"", 3, 110},   {"abc", 3, 110},    {"12abc", 3, 110}, {"0", 3, 10},      {"-7", 3, 10},
+        {"3", 3, 10},   {"5", 5, 10},       {" 7 ", 7, 10},    {"10", 10, 10},    {"15", 15, 15},
+        {"16", 15, 16}, {"50", 15, 50},     {"210", 15, 210},  {"211", 15, 210},  {"547", 15, 210},
+        {"4.4", 4, 10}, {"120.6", 15, 121}, {huge, 15, 210},   {minusHuge, 3, 10}};
+    for (const auto& [stored, messageRate, textRate] : rates) {
+        EXPECT_EQ(ClampMessageRate(stored), messageRate) << stored;
+        EXPECT_EQ(ClampTextRate(stored), textRate) << stored;
     }
 }
 
