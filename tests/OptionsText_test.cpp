@@ -19,16 +19,12 @@ AppState WorkedExample() {
     s.maxkills = "50";
     s.maxcaps = "5";
     s.maxgeo = "128";
-    s.teamdamage = kFalse;
-    s.falldamage = kTrue;
-    s.weaponstay = kFalse;
-    s.forcespawn = kFalse;
-    s.balance = kTrue;
+    s.falldamage = s.balance = kTrue; // the other switches start off
     return s;
 }
 
 // The maps follow in list order, quoted as they stand; the file is Windows-1252 text and
-// replaces a longer old one.
+// replaces a longer old one. A missing game directory is reported.
 TEST(OptionsText, WorkedExampleIsWrittenByteForByte) {
     QTemporaryDir dir;
     const QString gameDir = dir.path() + "/";
@@ -45,6 +41,9 @@ TEST(OptionsText, WorkedExampleIsWrittenByteForByte) {
               texts::kFirstRunOptions + QByteArray("$Map:            \"ctf01\"\r\n"
                                                    "$Map:            \"dm \"x\" 02\"\r\n"
                                                    "$Map:            \"\xE9\x80 ? \xDF\"\r\n"));
+
+    EXPECT_FALSE(WriteOptionsFile(gameDir + "no/such/dir/", "x", &error));
+    EXPECT_TRUE(error.contains("dedicated_server.txt")) << error.toStdString();
 }
 
 TEST(OptionsText, ValuesAreRenderedAsTheFileExpects) {
@@ -70,13 +69,6 @@ TEST(OptionsText, ValuesAreRenderedAsTheFileExpects) {
         row.change(s);
         EXPECT_TRUE(ComposeOptionsText(s, {}).contains(QString::fromUtf8(row.line))) << row.what;
     }
-}
-
-TEST(OptionsText, MissingGameDirectoryIsReported) {
-    QTemporaryDir dir;
-    QString error;
-    EXPECT_FALSE(WriteOptionsFile(dir.path() + "/no/such/dir/", "x", &error));
-    EXPECT_TRUE(error.contains("dedicated_server.txt")) << error.toStdString();
 }
 
 } // namespace
