@@ -5,29 +5,26 @@
 #include <QList>
 #include <QString>
 
-// Records every start with its arguments and answers with scripted results.
+// Records every start with its arguments and answers with scripted results, then 42.
 class RecordingLauncher : public ProcessLauncher {
 public:
     struct Call {
-        enum class Kind { ShellExecute, CommandLine };
-        Kind kind = Kind::ShellExecute;
-        QString program;          // ShellExecute only
-        QString parameters;       // ShellExecute only
-        QString workingDirectory; // ShellExecute only
-        QString commandLine;      // StartCommandLine only
+        QString program, parameters, workingDirectory; // ShellExecute only
+        QString commandLine;                           // StartCommandLine only
         std::int32_t windowStyle = 0;
     };
 
     std::int32_t ShellExecute(const QString& program, const QString& parameters,
-                              const QString& workingDirectory, std::int32_t windowStyle) override;
-    std::int32_t StartCommandLine(const QString& commandLine, std::int32_t windowStyle) override;
-    QString CurrentDirectory() override { return currentDirectory; }
+                              const QString& workingDirectory, std::int32_t windowStyle) override {
+        calls.append({program, parameters, workingDirectory, {}, windowStyle});
+        return shellResults.isEmpty() ? 42 : shellResults.takeFirst();
+    }
+    std::int32_t StartCommandLine(const QString& commandLine, std::int32_t windowStyle) override {
+        calls.append({{}, {}, {}, commandLine, windowStyle});
+        return commandLineResults.isEmpty() ? 42 : commandLineResults.takeFirst();
+    }
+    QString CurrentDirectory() override { return "C:\\Hostwarden"; }
 
     QList<Call> calls;
-    // Results handed out in order; when a script runs dry the default answers.
-    QList<std::int32_t> shellResults;
-    QList<std::int32_t> commandLineResults;
-    std::int32_t defaultShellResult = 42;
-    std::int32_t defaultCommandLineResult = 42;
-    QString currentDirectory = QStringLiteral("C:\\Hostwarden");
+    QList<std::int32_t> shellResults, commandLineResults;
 };
