@@ -1,15 +1,11 @@
 #include "automation/Module2.h"
 
 #include "FakeWindowServices.h"
+#include "Texts.h"
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 namespace {
-
-using Post = FakeWindowServices::Post;
-const char* const kTitle = "Red Faction Dedicated Server";
 
 // The walk asks the first eligible window whose title holds the needle to close, and lets the
 // main window's events run after each window it steps past, never after asking.
@@ -42,48 +38,40 @@ TEST(CloseWindowByTitle, AsksOnlyTheFirstEligibleMatchToClose) {
         // The walk has already stepped to the window when it goes.
         {"VanishedWindowIsSkipped", "RFDS", "MHostwarden|vRFDS| RFDS (2)", 2, 2},
     };
-    const auto expand = [](const char* text) { return QString(text).replace("RFDS", kTitle); };
+    const auto expand = [](const char* text) {
+        return QString(text).replace("RFDS", texts::kServerTitle);
+    };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         FakeWindowServices fake;
-        const WindowHandle stranger = 7, mainPlaceholder = 1;
         const QStringList desktop = expand(row.desktop).split('|', Qt::SkipEmptyParts);
-        std::vector<WindowHandle> handles;
         for (const QString& w : desktop) {
-            const WindowHandle owner = w[0] == 'o' ? mainPlaceholder : w[0] == 'x' ? stranger : 0;
-            handles.push_back(fake.Add(w.mid(1), owner, w[0] == 'd' ? WS_DISABLED : 0));
+            const WindowHandle h =
+                fake.Add(w.mid(1), w[0] == 'x' ? 7 : 0, w[0] == 'd' ? WS_DISABLED : 0);
             if (w[0] == 'M')
-                fake.mainWindow = handles.back();
+                fake.mainWindow = h;
         }
-        for (auto& w : fake.windows)
-            if (w.owner == mainPlaceholder)
-                w.owner = fake.mainWindow;
+        for (qsizetype i = 0; i < desktop.size(); ++i)
+            if (desktop[i][0] == 'o')
+                fake.windows[i].owner = fake.mainWindow;
         int events = 0;
         fake.onPendingEvents = [&] {
             ++events;
             EXPECT_TRUE(fake.posts.isEmpty()) << "events ran after the request";
             for (qsizetype i = 0; i < desktop.size(); ++i)
                 if (desktop[i][0] == 'v')
-                    fake.Vanish(handles[i]);
+                    fake.Vanish(fake.windows[i].handle);
         };
 
         CloseWindowByTitle(fake, expand(row.needle));
 
-        QList<Post> expected;
+        QList<FakeWindowServices::Post> expected;
         if (row.closed >= 0)
-            expected = {{handles[row.closed], WM_CANCELMODE}, {handles[row.closed], WM_CLOSE}};
+            for (const std::uint32_t message : {WM_CANCELMODE, WM_CLOSE})
+                expected.append({fake.windows[row.closed].handle, message});
         EXPECT_EQ(fake.posts, expected);
         EXPECT_EQ(events, row.events);
     }
-}
-
-TEST(ActivateServerWindow, ActivatesByTheServerTitleAndPassesFailureOn) {
-    FakeWindowServices fake;
-    EXPECT_EQ(ActivateServerWindow(fake), ActivateResult::NotFound);
-    fake.Add("Red Faction Dedicated Server");
-    EXPECT_EQ(ActivateServerWindow(fake), ActivateResult::Activated);
-    EXPECT_EQ(fake.activations,
-              (QList<QString>{"Red Faction Dedicated Server", "Red Faction Dedicated Server"}));
 }
 
 } // namespace
