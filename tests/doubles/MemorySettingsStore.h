@@ -1,34 +1,48 @@
 #pragma once
 
 #include "platform/SettingsStore.h"
+#include "settings/IniDocument.h"
 
-#include <QList>
-#include <QPair>
+#include <QStringList>
+
+#include <map>
 
 // In-memory store with the same name rules as the real one: section and key names
 // compare without regard to case and keep the case of their first write.
 class MemorySettingsStore : public SettingsStore {
 public:
-    QString GetSetting(const QString& app, const QString& section, const QString& key) override;
+    QString GetSetting(const QString& app, const QString& section, const QString& key) override {
+        const QString* value = files_[app].value(section, key);
+        return value ? *value : QString();
+    }
     void SaveSetting(const QString& app, const QString& section, const QString& key,
-                     const QString& value) override;
-    void DeleteSetting(const QString& app, const QString& section, const QString& key) override;
-    void DeleteSection(const QString& app, const QString& section) override;
-    void DeleteAll(const QString& app) override;
+                     const QString& value) override {
+        Write(app).set(section, key, value);
+    }
+    void DeleteSetting(const QString& app, const QString& section, const QString& key) override {
+        Write(app).remove(section, key);
+    }
+    void DeleteSection(const QString& app, const QString& section) override {
+        Write(app).removeSection(section);
+    }
+    void DeleteAll(const QString& app) override { Write(app).clear(); }
 
     // Every key of a section as stored, in write order, "key=value" each.
-    QStringList Dump(const QString& app, const QString& section) const;
-    bool HasSection(const QString& app, const QString& section) const;
-    bool IsEmpty(const QString& app) const;
+    QStringList Dump(const QString& app, const QString& section) {
+        QStringList out;
+        for (const auto& s : files_[app].sections())
+            for (const auto& e : s.entries)
+                if (s.folded == section.toCaseFolded())
+                    out << e.name + "=" + e.value;
+        return out;
+    }
+    bool IsEmpty(const QString& app) { return files_[app].isEmpty(); }
     int writes = 0;
 
 private:
-    struct Section {
-        QString app;
-        QString name;
-        QList<QPair<QString, QString>> keys;
-    };
-    Section* Find(const QString& app, const QString& section);
-    const Section* Find(const QString& app, const QString& section) const;
-    QList<Section> sections_;
+    IniDocument& Write(const QString& app) {
+        ++writes;
+        return files_[app];
+    }
+    std::map<QString, IniDocument> files_;
 };

@@ -10,7 +10,18 @@
 // answers the box's default button.
 class ScriptedMessageBoxes : public MessageBoxes {
 public:
-    MsgAnswer Show(const MessageRequest& request) override;
+    MsgAnswer Show(const MessageRequest& request) override {
+        shown.append(request);
+        if (onShow)
+            onShow(request);
+        if (!answers.isEmpty())
+            return answers.takeFirst();
+        const bool second = request.defaultButton == MsgDefault::Second;
+        if (request.buttons == MsgButtons::YesNo)
+            return second ? MsgAnswer::No : MsgAnswer::Yes;
+        return second && request.buttons == MsgButtons::OKCancel ? MsgAnswer::Cancel
+                                                                 : MsgAnswer::OK;
+    }
 
     QList<MessageRequest> shown;
     QList<MsgAnswer> answers;
