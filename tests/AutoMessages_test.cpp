@@ -11,14 +11,25 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <stdexcept>
 
 namespace {
 
 using texts::kServerTitle;
 
-class FakeHost : public AutoMessageHost {
-public:
+const MessageRequest kServerError{
+    "Red Faction Dedicated Server Cannot be found or is not responding. Please varify the "
+    "server is running and try again",
+    "Server Error", MsgButtons::OK, MsgIcon::None, MsgDefault::First};
+
+// The main window as the automatic messages see it, with everything one run needs and a
+// launched server; a table row builds a fresh one.
+struct Rig : AutoMessageHost {
+    Rig() {
+        state.MessageRate = 3;
+        server = windows.Add(kServerTitle);
+        am.ServerLaunched(42);
+    }
+
     bool MessageChecked() override { return messageChecked; }
     bool RandomChecked() override { return randomChecked; }
     bool ServRecChecked() override { return servRecChecked; }
@@ -31,27 +42,6 @@ public:
     void Launch() override { ++launches, onLaunch(); }
     int TypistIntervalMs() override { return interval; }
 
-    bool messageChecked = true, randomChecked = false, servRecChecked = false;
-    bool servRecEnabled = true, addsTimer = false, sendTimer = false;
-    QString texts[4];
-    QStringList captions;
-    int launches = 0, interval = 110;
-    std::function<void()> onLaunch = [] {};
-};
-
-const MessageRequest kServerError{
-    "Red Faction Dedicated Server Cannot be found or is not responding. Please varify the "
-    "server is running and try again",
-    "Server Error", MsgButtons::OK, MsgIcon::None, MsgDefault::First};
-
-// Everything one run needs; a table row builds a fresh one.
-struct Rig {
-    Rig() {
-        state.MessageRate = 3;
-        server = windows.Add(kServerTitle);
-        am.ServerLaunched(42);
-    }
-
     void Countdown(int seconds) {
         for (int i = 0; i < seconds; ++i)
             am.TMRAdds_Timer();
@@ -60,14 +50,16 @@ struct Rig {
         for (int i = 0; i < ticks; ++i)
             am.TMRSend_Timer();
     }
+    // Hands the next queued line to the typist and lets it finish.
     void TypeLine() {
+        am.Timer1_Timer();
         for (int i = 0; i < 10000 && am.TMRSendEnabled(); ++i)
             am.TMRSend_Timer();
     }
     // Fills the first boxes, checks "Auto Message" and runs one whole interval.
-    void QueueBatch(const QStringList& texts) {
-        for (int k = 0; k < texts.size(); ++k)
-            host.texts[k] = texts[k];
+    void QueueBatch(const QStringList& batch) {
+        for (int k = 0; k < batch.size(); ++k)
+            texts[k] = batch[k];
         am.CHKMessage_Click(true);
         Countdown(180);
     }
@@ -76,80 +68,67 @@ struct Rig {
         EXPECT_TRUE(am.PendingLine().isEmpty());
         EXPECT_EQ(am.SendPos(), 0);
         EXPECT_FALSE(am.TMRSendEnabled());
-        EXPECT_FALSE(host.sendTimer);
+        EXPECT_FALSE(sendTimer);
     }
 
+    bool messageChecked = true, randomChecked = false, servRecChecked = false;
+    bool servRecEnabled = true, addsTimer = false, sendTimer = false;
+    QString texts[4];
+    QStringList captions;
+    int launches = 0, interval = 110;
+    std::function<void()> onLaunch = [] {};
+
     AppState state;
-    FakeHost host;
     FakeWindowServices windows;
     RecordingKeySender keys;
     SeededRandom random{7};
     BeepRecorder beeper;
     ScriptedMessageBoxes boxes;
-    AutoMessages am{host, state, windows, keys, random, beeper, boxes};
+    AutoMessages am{*this, state, windows, keys, random, beeper, boxes};
     WindowHandle server = 0;
 };
 
 class AutoMessagesTest : public Rig, public ::testing::Test {};
 
-TEST_F(AutoMessagesTest, CountdownQueuesNonEmptyBoxesInOrderEveryIntervalUntilUnchecked) {
-    host.texts[0] = "first";
-    host.texts[2] = "third";
-    host.servRecChecked = true;
+TEST_F(AutoMessagesTest, CountdownQueuesNonEmptyBoxesInOrderEveryIntervalWhileChecked) {
+    servRecChecked = true;
+    Countdown(10); // every box empty
+    texts[0] = "first";
+    texts[2] = "third";
+    messageChecked = false;
+    Countdown(10);
+    messageChecked = true;
+    EXPECT_TRUE(captions.isEmpty());
     am.CHKMessage_Click(true);
-    EXPECT_TRUE(host.addsTimer);
+    EXPECT_TRUE(addsTimer);
 
     Countdown(179);
     EXPECT_TRUE(am.Queue().isEmpty());
-    EXPECT_EQ(host.captions.first(), "Next Auto Message due in 179 seconds.");
+    EXPECT_EQ(captions.first(), "Next Auto Message due in 179 seconds.");
     Countdown(1);
-    EXPECT_EQ(host.captions.last(), "Next Auto Message due in 0 seconds.");
+    EXPECT_EQ(captions.last(), "Next Auto Message due in 0 seconds.");
     EXPECT_EQ(am.Queue(), QStringList({"first", "third"}));
-
     Countdown(180);
-    EXPECT_EQ(host.captions.size(), 360);
-    EXPECT_EQ(host.captions[180], "Next Auto Message due in 179 seconds.");
+    EXPECT_EQ(captions.size(), 360);
+    EXPECT_EQ(captions[180], "Next Auto Message due in 179 seconds.");
     EXPECT_EQ(am.Queue(), QStringList({"first", "third", "first", "third"}));
 
     // Unchecking "Auto Message" stops the countdown where it stands; the queue is still typed.
     am.Timer1_Timer();
     Countdown(100);
     Typist(3);
-
     am.CHKMessage_Click(false);
-    EXPECT_FALSE(am.TMRAddsEnabled());
-    EXPECT_FALSE(host.addsTimer);
-    EXPECT_FALSE(host.servRecEnabled);
-    EXPECT_FALSE(host.servRecChecked);
+    EXPECT_FALSE(am.TMRAddsEnabled() || addsTimer || servRecEnabled || servRecChecked);
+    Countdown(50);
     TypeLine();
-    am.Timer1_Timer();
     TypeLine();
     EXPECT_EQ(Typed(), "say first~say third~");
 
     am.CHKMessage_Click(true);
-    EXPECT_TRUE(host.servRecEnabled);
-    EXPECT_FALSE(host.servRecChecked) << "re-enabling does not check the box again";
+    EXPECT_TRUE(servRecEnabled);
+    EXPECT_FALSE(servRecChecked) << "re-enabling does not check the box again";
     Countdown(1);
-    EXPECT_EQ(host.captions.last(), "Next Auto Message due in 79 seconds.");
-}
-
-TEST_F(AutoMessagesTest, CountdownStandsStillWhenNothingIsToBeSent) {
-    const std::tuple<const char*, bool, bool, bool> rows[] = {
-        {"all boxes empty", false, true, true},
-        {"auto message unchecked", true, false, true},
-        {"countdown stopped", true, true, false}};
-    for (const auto& [name, text, checked, running] : rows) {
-        SCOPED_TRACE(name);
-        Rig t;
-        t.host.texts[1] = text ? "x" : "";
-        t.host.messageChecked = checked;
-        if (!running)
-            t.am.CHKMessage_Click(false);
-        t.Countdown(500);
-        EXPECT_EQ(t.am.AddsSeconds(), 0);
-        EXPECT_TRUE(t.host.captions.isEmpty());
-        EXPECT_TRUE(t.am.Queue().isEmpty());
-    }
+    EXPECT_EQ(captions.last(), "Next Auto Message due in 79 seconds.");
 }
 
 // A tilde inside a message is typed as its own key, not taken for the end of the line.
@@ -165,14 +144,14 @@ TEST_F(AutoMessagesTest, TypesOneLineAtATimeOneCharacterPerTickAfterActivating) 
         t.am.QueueMessage(message);
         t.am.QueueMessage("b");
         t.am.Timer1_Timer();
-        EXPECT_TRUE(t.host.sendTimer);
+        EXPECT_TRUE(t.sendTimer);
         t.Typist(line.size());
         t.am.Timer1_Timer();
         EXPECT_EQ(t.am.PendingLine(), line) << "no new line while one is typed";
         EXPECT_EQ(t.am.Queue(), QStringList({"b"}));
         EXPECT_EQ(t.keys.pushed,
                   launched ? line.split(QString(), Qt::SkipEmptyParts) : QStringList());
-        EXPECT_EQ(t.windows.activations.size(), launched ? line.size() : 0);
+        EXPECT_EQ(t.windows.activations, QStringList(launched ? line.size() : 0, kServerTitle));
 
         t.Typist(1);
         t.ExpectIdleTypist();
@@ -190,12 +169,11 @@ TEST_F(AutoMessagesTest, RandomPicksOneNonEmptyBoxFromTheGenerator) {
     const std::tuple<QStringList, QList<double>, QStringList> rows[] = {
         {{"a", "b", "c", "d"}, {0.0, 0.24, 0.25, 0.5, 0.9999}, {"a", "a", "b", "c", "d"}},
         {{"", "", "c", ""}, {0.1, 0.3, 0.8, 0.6}, {"c"}},
-        {{"", "", "", "d"}, {0.0, 0.25, 0.5, 0.75}, {"d"}},
         {{"", "", "", "d"}, QList<double>(20, 0.1) << 0.9, {"d"}}};
     for (const auto& [texts, script, expected] : rows) {
         SCOPED_TRACE(texts.join('|').toStdString());
         Rig t;
-        t.host.randomChecked = true;
+        t.randomChecked = true;
         t.random.script = script;
         t.QueueBatch(texts);
         t.Countdown(180 * (expected.size() - 1));
@@ -204,67 +182,52 @@ TEST_F(AutoMessagesTest, RandomPicksOneNonEmptyBoxFromTheGenerator) {
     }
 }
 
-// Any failure of the typing step resets everything, then relaunches (here in vain) or
-// tells the operator once.
-TEST_F(AutoMessagesTest, TypingFailureStopsEverythingAndRelaunchesOrTellsTheOperator) {
-    enum Failure { ConsoleClosed, KeyRefused, SenderThrows };
-    const std::pair<Failure, int> rows[] = {
-        {ConsoleClosed, 0}, {ConsoleClosed, 3}, {KeyRefused, 0}, {SenderThrows, 0}};
+// Any failure of the typing step resets everything, then relaunches and beeps (the
+// countdown goes on where it stood) or tells the operator once (the messages stop).
+TEST_F(AutoMessagesTest, TypingFailureResetsEverythingThenRelaunchesOrTellsTheOperator) {
     for (const bool recover : {false, true}) {
-        for (const auto& [failure, typedFirst] : rows) {
-            SCOPED_TRACE(testing::Message()
-                         << failure << " after " << typedFirst << ", " << recover);
+        for (const bool consoleCloses : {true, false}) { // or a key cannot be sent
+            SCOPED_TRACE(testing::Message() << consoleCloses << ", " << recover);
             Rig t;
-            t.host.servRecChecked = recover;
+            t.servRecChecked = recover;
+            int beepsAtLaunch = -1;
+            t.onLaunch = [&] {
+                beepsAtLaunch = t.beeper.beeps;
+                t.server = t.windows.Add(kServerTitle);
+                t.am.ServerLaunched(77);
+            };
             t.QueueBatch({"first", "second"});
             t.am.Timer1_Timer();
+            t.Countdown(5);
+            const int typedFirst = consoleCloses ? 3 : 0;
             t.Typist(typedFirst);
-            if (failure == ConsoleClosed)
-                t.windows.Remove(t.server);
-            t.keys.failOnCall = failure == KeyRefused ? 1 : 0;
-            if (failure == SenderThrows)
-                t.keys.thrower = [](const QString&) { throw std::runtime_error("display gone"); };
+            if (consoleCloses)
+                t.windows.Vanish(t.server);
+            else
+                t.keys.fail = [] { throw KeySendError("no key"); };
             t.TypeLine();
-            t.am.Timer1_Timer();
             t.TypeLine();
 
             EXPECT_EQ(t.keys.pushed.size(), typedFirst);
             EXPECT_EQ(t.boxes.shown, recover ? QList<MessageRequest>{} : QList{kServerError});
-            EXPECT_EQ(t.host.launches, recover ? 1 : 0);
+            EXPECT_EQ(t.launches, recover ? 1 : 0);
+            EXPECT_EQ(beepsAtLaunch, recover ? 0 : -1);
             EXPECT_EQ(t.beeper.beeps, recover ? 1 : 0);
             EXPECT_TRUE(t.am.Queue().isEmpty());
-            EXPECT_FALSE(t.am.TMRAddsEnabled());
-            EXPECT_FALSE(t.host.addsTimer);
-            EXPECT_EQ(t.am.ServerHandle(), 0u);
+            EXPECT_EQ(t.am.TMRAddsEnabled(), recover);
+            EXPECT_EQ(t.addsTimer, recover);
+            EXPECT_EQ(t.am.ServerHandle(), recover ? 77u : 0u);
             t.ExpectIdleTypist();
+
+            t.keys.fail = nullptr;
+            t.Countdown(174);
+            EXPECT_TRUE(t.am.Queue().isEmpty()) << "the countdown keeps its 5 seconds";
+            t.Countdown(1);
+            t.TypeLine();
+            t.TypeLine();
+            EXPECT_EQ(t.Typed().mid(typedFirst), recover ? "say first~say second~" : "");
         }
     }
-}
-
-TEST_F(AutoMessagesTest, RecoveryRelaunchesThenBeepsAndKeepsTheCountdown) {
-    host.servRecChecked = true;
-    int beepsAtLaunch = -1;
-    host.onLaunch = [&] {
-        beepsAtLaunch = beeper.beeps;
-        server = windows.Add(kServerTitle);
-        am.ServerLaunched(77);
-    };
-    QueueBatch({"welcome"});
-    am.Timer1_Timer();
-    Countdown(5);
-    Typist(2);
-    windows.Remove(server);
-    Typist(1);
-    EXPECT_EQ(beepsAtLaunch, 0);
-    EXPECT_EQ(beeper.beeps, 1);
-    EXPECT_TRUE(host.addsTimer);
-
-    Countdown(174);
-    EXPECT_TRUE(am.Queue().isEmpty()) << "the countdown keeps its 5 seconds";
-    Countdown(1);
-    am.Timer1_Timer();
-    TypeLine();
-    EXPECT_EQ(Typed(), "sa" + QString("say welcome~"));
 }
 
 // Decision: a console that exists but does not get the input focus is not a lost
@@ -275,7 +238,7 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow)
     for (const auto& [interval, ticksToDrop] : rows) {
         SCOPED_TRACE(interval);
         Rig t;
-        t.host.interval = interval;
+        t.interval = interval;
         t.am.QueueMessage("lost");
         t.am.QueueMessage("next");
         t.am.Timer1_Timer();
@@ -288,12 +251,11 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow)
         EXPECT_TRUE(t.am.TMRSendEnabled());
         t.Typist(1);
         t.ExpectIdleTypist();
-        EXPECT_EQ(t.host.launches, 0);
+        EXPECT_EQ(t.launches, 0);
         EXPECT_TRUE(t.boxes.shown.isEmpty());
         EXPECT_TRUE(t.am.TMRAddsEnabled());
 
         t.windows.focusStolen = false;
-        t.am.Timer1_Timer();
         t.TypeLine();
         EXPECT_EQ(t.Typed(), "say" + QString("say next~"));
     }

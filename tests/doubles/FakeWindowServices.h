@@ -23,21 +23,48 @@ public:
     };
 
     // Adds a window below the existing ones and returns its handle.
-    WindowHandle Add(const QString& title, WindowHandle owner = 0, std::uint32_t style = 0);
-    void Remove(WindowHandle window);
+    WindowHandle Add(const QString& title, WindowHandle owner = 0, std::uint32_t style = 0) {
+        windows.append({next_, title, owner, style});
+        return next_++;
+    }
     // The window is destroyed but keeps its place in the stacking order and its last
     // title, as a backend that read the desktop before it changed would report them.
-    void Vanish(WindowHandle window);
+    void Vanish(WindowHandle window) {
+        for (Window& w : windows)
+            w.gone = w.gone || w.handle == window;
+    }
 
-    WindowHandle GetWindow(WindowHandle window, WindowRelation relation) override;
-    bool IsWindow(WindowHandle window) override;
-    QString GetWindowText(WindowHandle window) override;
-    std::uint32_t GetStyle(WindowHandle window) override;
-    void PostMessage(WindowHandle window, std::uint32_t message) override;
+    WindowHandle GetWindow(WindowHandle window, WindowRelation relation) override {
+        if (relation == WindowRelation::First)
+            return windows.isEmpty() ? 0 : windows.first().handle;
+        const Window* w = Find(window);
+        if (relation == WindowRelation::Owner || !w)
+            return w ? w->owner : 0;
+        return w == &windows.constLast() ? 0 : (w + 1)->handle;
+    }
+    bool IsWindow(WindowHandle window) override { return Find(window) && !Find(window)->gone; }
+    QString GetWindowText(WindowHandle window) override {
+        return Find(window) ? Find(window)->title : QString();
+    }
+    std::uint32_t GetStyle(WindowHandle window) override {
+        return Find(window) ? Find(window)->style : 0;
+    }
+    void PostMessage(WindowHandle window, std::uint32_t message) override {
+        posts.append({window, message});
+    }
     WindowHandle MainWindow() override { return mainWindow; }
     void SetMainWindow(WindowHandle window) override { mainWindow = window; }
-    void ProcessPendingEvents() override;
-    ActivateResult ActivateByTitle(const QString& title) override;
+    void ProcessPendingEvents() override {
+        if (onPendingEvents)
+            onPendingEvents();
+    }
+    ActivateResult ActivateByTitle(const QString& title) override {
+        activations.append(title);
+        for (const Window& w : windows)
+            if (!w.gone && w.title.contains(title, Qt::CaseInsensitive))
+                return focusStolen ? ActivateResult::NotFocused : ActivateResult::Activated;
+        return ActivateResult::NotFound;
+    }
 
     QList<Window> windows;
     QList<Post> posts;
@@ -49,5 +76,11 @@ public:
     std::function<void()> onPendingEvents;
 
 private:
+    const Window* Find(WindowHandle window) const {
+        for (const Window& w : windows)
+            if (w.handle == window)
+                return &w;
+        return nullptr;
+    }
     WindowHandle next_ = 100;
 };

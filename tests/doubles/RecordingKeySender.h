@@ -6,14 +6,11 @@
 
 #include <functional>
 
-// Records every PushKeys text. A call can be made to fail: `failOnCall` = n throws a
-// KeySendError on the n-th call (from 1), `thrower` throws whatever a test likes.
+// Records every PushKeys text; `fail`, when set, runs first and may throw.
 class RecordingKeySender : public KeySender {
 public:
     void PushKeys(const QString& keys) override;
 
     QStringList pushed;
-    int calls = 0;
-    int failOnCall = 0;
-    std::function<void(const QString&)> thrower;
+    std::function<void()> fail;
 };
