@@ -1,43 +1,45 @@
 #pragma once
 
+#include "platform/KeySendError.h"
 #include "platform/Keyboard.h"
+#include "platform/UsLayout.h"
 
-#include <QList>
 #include <QSet>
-#include <QString>
+#include <QStringList>
 
-#include <cstdint>
-#include <ostream>
-
-// What the keyboard was asked to do: a key going down or up, or a pause.
-struct KeyAction {
-    enum Kind { Down, Up, Pause };
-    Kind kind = Down;
-    std::uint8_t vk = 0;
-    std::uint8_t scan = 0;
-    std::uint32_t milliseconds = 0;
-    bool operator==(const KeyAction&) const = default;
-};
-
-void PrintTo(const KeyAction& action, std::ostream* out);
-QString Describe(const QList<KeyAction>& actions);
-
-// A keyboard with a US layout that records every event and pause in order, and can be told to
-// fail for chosen characters or keys.
+// A keyboard with a US layout that records every event and pause in order ("down 65/30",
+// "up 65/30" for virtual key 65 with scan code 30, "pause 2000"). Each step named in
+// `failing` raises KeySendError instead: "key 16" a key event of virtual key 16, "char 113"
+// translating that Windows-1252 byte, "scan 37" looking up the scan code of virtual key 37.
 class RecordingKeyboard : public Keyboard {
 public:
-    void KeyEvent(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags) override;
-    std::int16_t VkKeyScan(std::uint8_t ch) override;
-    std::uint8_t CharToOem(std::uint8_t ch) override;
-    std::uint32_t OemKeyScan(std::uint8_t oem) override;
-    std::uint32_t MapVirtualKey(std::uint32_t vk) override;
-    void Sleep(std::uint32_t milliseconds) override;
+    void KeyEvent(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags) override {
+        Check("key", vk);
+        events << QStringLiteral("%1 %2/%3")
+                      .arg(flags & KEYEVENTF_KEYUP ? "up" : "down")
+                      .arg(vk)
+                      .arg(scan);
+    }
+    std::int16_t VkKeyScan(std::uint8_t ch) override {
+        Check("char", ch);
+        return UsLayout::VkKeyScan(ch);
+    }
+    std::uint8_t CharToOem(std::uint8_t ch) override { return UsLayout::CharToOem(ch); }
+    std::uint32_t OemKeyScan(std::uint8_t oem) override { return UsLayout::OemKeyScan(oem); }
+    std::uint32_t MapVirtualKey(std::uint32_t vk) override {
+        Check("scan", vk);
+        return UsLayout::MapVirtualKey(vk);
+    }
+    void Sleep(std::uint32_t milliseconds) override {
+        events << QStringLiteral("pause %1").arg(milliseconds);
+    }
 
-    QList<KeyAction> actions;
-    // Key events of these virtual keys raise KeySendError and are not recorded.
-    QSet<std::uint8_t> failingKeys;
-    // Translating these characters (Windows-1252 bytes) raises KeySendError.
-    QSet<std::uint8_t> failingChars;
-    // Looking up the scan code of these virtual keys raises KeySendError.
-    QSet<std::uint32_t> failingScanLookups;
+    QStringList events;
+    QSet<QString> failing;
+
+private:
+    void Check(const char* step, unsigned code) {
+        if (failing.contains(QStringLiteral("%1 %2").arg(step).arg(code)))
+            throw KeySendError(QStringLiteral("%1 %2 fails").arg(step).arg(code).toStdString());
+    }
 };
