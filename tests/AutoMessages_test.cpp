@@ -64,11 +64,9 @@ struct Rig : AutoMessageHost {
         Countdown(180);
     }
     QString Typed() const { return keys.pushed.join(QString()); }
-    void ExpectIdleTypist() {
-        EXPECT_TRUE(am.PendingLine().isEmpty());
-        EXPECT_EQ(am.SendPos(), 0);
-        EXPECT_FALSE(am.TMRSendEnabled());
-        EXPECT_FALSE(sendTimer);
+    bool IdleTypist() const {
+        return am.PendingLine().isEmpty() && am.SendPos() == 0 && !am.TMRSendEnabled() &&
+               !sendTimer;
     }
 
     bool messageChecked = true, randomChecked = false, servRecChecked = false;
@@ -98,7 +96,7 @@ TEST_F(AutoMessagesTest, CountdownQueuesNonEmptyBoxesInOrderEveryIntervalWhileCh
     messageChecked = false;
     Countdown(10);
     messageChecked = true;
-    EXPECT_TRUE(captions.isEmpty());
+    EXPECT_TRUE(captions.isEmpty() && am.AddsSeconds() == 0);
     am.CHKMessage_Click(true);
     EXPECT_TRUE(addsTimer);
 
@@ -154,7 +152,7 @@ TEST_F(AutoMessagesTest, TypesOneLineAtATimeOneCharacterPerTickAfterActivating) 
         EXPECT_EQ(t.windows.activations, QStringList(launched ? line.size() : 0, kServerTitle));
 
         t.Typist(1);
-        t.ExpectIdleTypist();
+        EXPECT_TRUE(t.IdleTypist());
         t.am.Timer1_Timer();
         EXPECT_EQ(t.am.PendingLine(), "say b~");
         EXPECT_TRUE(t.am.Queue().isEmpty());
@@ -217,7 +215,7 @@ TEST_F(AutoMessagesTest, TypingFailureResetsEverythingThenRelaunchesOrTellsTheOp
             EXPECT_EQ(t.am.TMRAddsEnabled(), recover);
             EXPECT_EQ(t.addsTimer, recover);
             EXPECT_EQ(t.am.ServerHandle(), recover ? 77u : 0u);
-            t.ExpectIdleTypist();
+            EXPECT_TRUE(t.IdleTypist());
 
             t.keys.fail = nullptr;
             t.Countdown(174);
@@ -250,7 +248,7 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow)
         EXPECT_EQ(t.keys.pushed, QStringList({"s", "a", "y"}));
         EXPECT_TRUE(t.am.TMRSendEnabled());
         t.Typist(1);
-        t.ExpectIdleTypist();
+        EXPECT_TRUE(t.IdleTypist());
         EXPECT_EQ(t.launches, 0);
         EXPECT_TRUE(t.boxes.shown.isEmpty());
         EXPECT_TRUE(t.am.TMRAddsEnabled());

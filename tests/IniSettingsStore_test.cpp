@@ -163,35 +163,25 @@ TEST_F(StoreTest, HandWrittenFileReadsAsItStands) {
               "servname=second\n");
 }
 
-// Sets an environment variable for one scope; nullopt unsets it.
-struct ScopedEnv {
-    const char* name;
-    std::optional<QByteArray> old =
-        qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt;
-    ScopedEnv(const char* n, const std::optional<QByteArray>& value) : name(n) {
-        value ? qputenv(name, *value) : qunsetenv(name);
-    }
-    ~ScopedEnv() { old ? qputenv(name, *old) : qunsetenv(name); }
-};
-
+// $XDG_CONFIG_HOME/Hostwarden, or ~/.config/Hostwarden when that is unset, empty or relative.
 TEST(StoreLocation, FileLivesInTheUsersConfigFolder) {
-    // XDG_CONFIG_HOME unset, empty, relative and absolute ("/xdg" lies in the test's folder).
-    for (const char* xdg : {(const char*)nullptr, "", "cfg", "/xdg"}) {
-        SCOPED_TRACE(xdg ? xdg : "unset");
-        QTemporaryDir dir;
-        const QByteArray root = QFile::encodeName(dir.path());
-        const bool absolute = xdg && xdg[0] == '/';
-        ScopedEnv home("HOME", root + "/home");
-        ScopedEnv config("XDG_CONFIG_HOME",
-                         xdg ? std::optional(absolute ? root + xdg : QByteArray(xdg))
-                             : std::nullopt);
+    const QByteArray home = qgetenv("HOME"), xdg = qgetenv("XDG_CONFIG_HOME");
+    const bool xdgSet = qEnvironmentVariableIsSet("XDG_CONFIG_HOME");
+    QTemporaryDir dir;
+    const QByteArray root = QFile::encodeName(dir.path());
+    qputenv("HOME", root);
+    for (const QByteArray& value : {QByteArray(), QByteArray(""), QByteArray("cfg"), root + "/x"}) {
+        SCOPED_TRACE(value.isNull() ? "unset" : value.constData());
+        value.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", value);
+        const QString expected = dir.path() + (value.startsWith('/') ? "/x" : "/.config") +
+                                 "/Hostwarden/Hostwarden 2.0.ini";
         IniSettingsStore store;
-        const QString expected =
-            dir.path() + (absolute ? "/xdg" : "/home/.config") + "/Hostwarden/Hostwarden 2.0.ini";
         EXPECT_EQ(store.filePath(App), expected);
         store.SaveSetting(App, "Startup", "HasRunSetup", "1");
         EXPECT_EQ(ReadBytes(expected), "[Startup]\nHasRunSetup=1\n");
     }
+    qputenv("HOME", home);
+    xdgSet ? qputenv("XDG_CONFIG_HOME", xdg) : qunsetenv("XDG_CONFIG_HOME");
 }
 
 // A file the store cannot read is reported with its line, handed out in no part (not even

@@ -42,16 +42,10 @@ public:
             return w ? w->owner : 0;
         return w == &windows.constLast() ? 0 : (w + 1)->handle;
     }
-    bool IsWindow(WindowHandle window) override { return Find(window) && !Find(window)->gone; }
-    QString GetWindowText(WindowHandle window) override {
-        return Find(window) ? Find(window)->title : QString();
-    }
-    std::uint32_t GetStyle(WindowHandle window) override {
-        return Find(window) ? Find(window)->style : 0;
-    }
-    void PostMessage(WindowHandle window, std::uint32_t message) override {
-        posts.append({window, message});
-    }
+    bool IsWindow(WindowHandle w) override { return Find(w) && !Find(w)->gone; }
+    QString GetWindowText(WindowHandle w) override { return Find(w) ? Find(w)->title : QString(); }
+    std::uint32_t GetStyle(WindowHandle w) override { return Find(w) ? Find(w)->style : 0; }
+    void PostMessage(WindowHandle w, std::uint32_t message) override { posts.append({w, message}); }
     WindowHandle MainWindow() override { return mainWindow; }
     void SetMainWindow(WindowHandle window) override { mainWindow = window; }
     void ProcessPendingEvents() override {
