@@ -1,10 +1,10 @@
 #include "automation/AutoMessageHost.h"
 #include "automation/AutoMessages.h"
+#include "automation/KeySender.h"
 #include "server/AppState.h"
 
 #include "FakeWindowServices.h"
 #include "Recorders.h"
-#include "RecordingKeySender.h"
 #include "ScriptedMessageBoxes.h"
 #include "Texts.h"
 
@@ -21,9 +21,9 @@ const MessageRequest kServerError{
     "server is running and try again",
     "Server Error", MsgButtons::OK, MsgIcon::None, MsgDefault::First};
 
-// The main window as the automatic messages see it, with everything one run needs and a
-// launched server; a table row builds a fresh one.
-struct Rig : AutoMessageHost {
+// The main window and the key sender as the automatic messages see them, with everything one
+// run needs and a launched server; a table row builds a fresh one.
+struct Rig : AutoMessageHost, KeySender {
     Rig() {
         state.MessageRate = 3;
         server = windows.Add(kServerTitle);
@@ -41,6 +41,11 @@ struct Rig : AutoMessageHost {
     void UncheckServRec() override { servRecChecked = false; }
     void Launch() override { ++launches, onLaunch(); }
     int TypistIntervalMs() override { return interval; }
+    void PushKeys(const QString& keys) override {
+        if (failKeys)
+            throw KeySendError("no key for " + keys.toStdString());
+        pushed.append(keys);
+    }
 
     void Countdown(int seconds) {
         for (int i = 0; i < seconds; ++i)
@@ -63,26 +68,25 @@ struct Rig : AutoMessageHost {
         am.CHKMessage_Click(true);
         Countdown(180);
     }
-    QString Typed() const { return keys.pushed.join(QString()); }
+    QString Typed() const { return pushed.join(QString()); }
     bool IdleTypist() const {
         return am.PendingLine().isEmpty() && am.SendPos() == 0 && !am.TMRSendEnabled() &&
                !sendTimer;
     }
 
     bool messageChecked = true, randomChecked = false, servRecChecked = false;
-    bool servRecEnabled = true, addsTimer = false, sendTimer = false;
+    bool servRecEnabled = true, addsTimer = false, sendTimer = false, failKeys = false;
     QString texts[4];
-    QStringList captions;
+    QStringList captions, pushed;
     int launches = 0, interval = 110;
     std::function<void()> onLaunch = [] {};
 
     AppState state;
     FakeWindowServices windows;
-    RecordingKeySender keys;
     SeededRandom random{7};
     BeepRecorder beeper;
     ScriptedMessageBoxes boxes;
-    AutoMessages am{*this, state, windows, keys, random, beeper, boxes};
+    AutoMessages am{*this, state, windows, *this, random, beeper, boxes};
     WindowHandle server = 0;
 };
 
@@ -147,8 +151,7 @@ TEST_F(AutoMessagesTest, TypesOneLineAtATimeOneCharacterPerTickAfterActivating) 
         t.am.Timer1_Timer();
         EXPECT_EQ(t.am.PendingLine(), line) << "no new line while one is typed";
         EXPECT_EQ(t.am.Queue(), QStringList({"b"}));
-        EXPECT_EQ(t.keys.pushed,
-                  launched ? line.split(QString(), Qt::SkipEmptyParts) : QStringList());
+        EXPECT_EQ(t.pushed, launched ? line.split(QString(), Qt::SkipEmptyParts) : QStringList());
         EXPECT_EQ(t.windows.activations, QStringList(launched ? line.size() : 0, kServerTitle));
 
         t.Typist(1);
@@ -202,11 +205,11 @@ TEST_F(AutoMessagesTest, TypingFailureResetsEverythingThenRelaunchesOrTellsTheOp
             if (consoleCloses)
                 t.windows.Vanish(t.server);
             else
-                t.keys.fail = [] { throw KeySendError("no key"); };
+                t.failKeys = true;
             t.TypeLine();
             t.TypeLine();
 
-            EXPECT_EQ(t.keys.pushed.size(), typedFirst);
+            EXPECT_EQ(t.pushed.size(), typedFirst);
             EXPECT_EQ(t.boxes.shown, recover ? QList<MessageRequest>{} : QList{kServerError});
             EXPECT_EQ(t.launches, recover ? 1 : 0);
             EXPECT_EQ(beepsAtLaunch, recover ? 0 : -1);
@@ -217,7 +220,7 @@ TEST_F(AutoMessagesTest, TypingFailureResetsEverythingThenRelaunchesOrTellsTheOp
             EXPECT_EQ(t.am.ServerHandle(), recover ? 77u : 0u);
             EXPECT_TRUE(t.IdleTypist());
 
-            t.keys.fail = nullptr;
+            t.failKeys = false;
             t.Countdown(174);
             EXPECT_TRUE(t.am.Queue().isEmpty()) << "the countdown keeps its 5 seconds";
             t.Countdown(1);
@@ -245,7 +248,7 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow)
             t.windows.focusStolen = stolen;
             t.Typist(stolen ? ticksToDrop - 1 : 1);
         }
-        EXPECT_EQ(t.keys.pushed, QStringList({"s", "a", "y"}));
+        EXPECT_EQ(t.pushed, QStringList({"s", "a", "y"}));
         EXPECT_TRUE(t.am.TMRSendEnabled());
         t.Typist(1);
         EXPECT_TRUE(t.IdleTypist());

@@ -36,8 +36,7 @@ TEST(CloseWindowByTitle, AsksOnlyTheFirstEligibleMatchToClose) {
         {"OwnedByMainNeverClosed", "RFDS", "oAbout RFDS| RFDS|MHostwarden", -1, 0},
         {"OwnedByAnotherWindowIsClosed", "RFDS", "xRFDS|MHostwarden", 0, 0},
         // The walk has already stepped to the window when it goes.
-        {"VanishedWindowIsSkipped", "RFDS", "MHostwarden|vRFDS| RFDS (2)", 2, 2},
-    };
+        {"VanishedWindowIsSkipped", "RFDS", "MHostwarden|vRFDS| RFDS (2)", 2, 2}};
     const auto expand = [](const char* text) {
         return QString(text).replace("RFDS", texts::kServerTitle);
     };
