@@ -211,14 +211,12 @@ TEST_F(AutoMessagesTest, TypingFailureResetsEverythingThenRelaunchesOrTellsTheOp
 
             EXPECT_EQ(t.pushed.size(), typedFirst);
             EXPECT_EQ(t.boxes.shown, recover ? QList<MessageRequest>{} : QList{kServerError});
-            EXPECT_EQ(t.launches, recover ? 1 : 0);
-            EXPECT_EQ(beepsAtLaunch, recover ? 0 : -1);
-            EXPECT_EQ(t.beeper.beeps, recover ? 1 : 0);
-            EXPECT_TRUE(t.am.Queue().isEmpty());
-            EXPECT_EQ(t.am.TMRAddsEnabled(), recover);
-            EXPECT_EQ(t.addsTimer, recover);
-            EXPECT_EQ(t.am.ServerHandle(), recover ? 77u : 0u);
-            EXPECT_TRUE(t.IdleTypist());
+            // launches, beeps before the launch and in all, countdown, server handle
+            EXPECT_EQ(std::tuple(t.launches, beepsAtLaunch, t.beeper.beeps, t.am.TMRAddsEnabled(),
+                                 t.addsTimer, t.am.ServerHandle()),
+                      recover ? std::tuple(1, 0, 1, true, true, 77u)
+                              : std::tuple(0, -1, 0, false, false, 0u));
+            EXPECT_TRUE(t.am.Queue().isEmpty() && t.IdleTypist());
 
             t.failKeys = false;
             t.Countdown(174);
@@ -251,10 +249,9 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow)
         EXPECT_EQ(t.pushed, QStringList({"s", "a", "y"}));
         EXPECT_TRUE(t.am.TMRSendEnabled());
         t.Typist(1);
-        EXPECT_TRUE(t.IdleTypist());
-        EXPECT_EQ(t.launches, 0);
-        EXPECT_TRUE(t.boxes.shown.isEmpty());
-        EXPECT_TRUE(t.am.TMRAddsEnabled());
+        EXPECT_TRUE(t.IdleTypist() && t.am.TMRAddsEnabled())
+            << "the line goes, the countdown stays";
+        EXPECT_TRUE(t.launches == 0 && t.boxes.shown.isEmpty()) << "no recovery";
 
         t.windows.focusStolen = false;
         t.TypeLine();

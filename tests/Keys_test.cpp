@@ -142,9 +142,9 @@ TEST(ModPushKeys, NamedKeysReachTheServerAsTheirKeys) {
         const int vk = key[0].toInt(), scan = key[1].toInt();
         const QString tap = QString("tap vk%1/%2").arg(vk).arg(scan);
         for (const QString& name : sides[0].simplified().split(' ', Qt::SkipEmptyParts)) {
-            EXPECT_EQ(Typed("{" + name + "}"), Expand(tap)) << name.toStdString();
-            EXPECT_EQ(Typed("{" + name.toLower() + " 2}"), Expand(tap + " x2"))
-                << name.toStdString();
+            SCOPED_TRACE(name.toStdString());
+            EXPECT_EQ(Typed("{" + name + "}"), Expand(tap));
+            EXPECT_EQ(Typed("{" + name.toLower() + " 2}"), Expand(tap + " x2"));
         }
         EXPECT_EQ(UsLayout::MapVirtualKey(vk), std::uint32_t(scan)) << "vk " << vk;
         EXPECT_EQ(X11Keyboard::KeysymFor(std::uint8_t(vk)),
@@ -224,19 +224,19 @@ TEST(UsLayout, EveryPrintableCharacterHasItsKey) {
         }
     EXPECT_EQ(seen.size(), 95u) << "every printable ASCII character";
 
-    // Control and high characters: byte, VkKeyScan, code page 437 byte, its OemKeyScan.
+    // Control and high characters (é £ ° ƒ, no-break space; À and € are not in code page 437):
+    // byte, VkKeyScan, code page 437 byte, its OemKeyScan.
     const std::tuple<std::uint8_t, std::int16_t, std::uint8_t, std::uint32_t> others[] = {
         {'\t', 9, '\t', 15},      {'\r', 13, '\r', 28},    {'\b', 8, '\b', 14},
         {'\n', -1, '\n', ~0u},    {0x00, -1, 0x00, ~0u},   {0x1B, -1, 0x1B, ~0u},
         {0x7F, -1, 0x7F, ~0u},    {0xE9, -1, 0x82, ~0u},   {0xA3, -1, 0x9C, ~0u},
-        {0xB0, -1, 0xF8, ~0u},                               // é £ °
-        {0x83, -1, 0x9F, ~0u},    {0xA0, -1, 0xFF, ~0u},     // ƒ, no-break space
-        {0xC0, -1, '?', 0x10035}, {0x80, -1, '?', 0x10035}}; // À and € are not in code page 437
-    for (const auto& [ch, vkScan, oem, oemScan] : others) {
-        EXPECT_EQ(UsLayout::VkKeyScan(ch), vkScan) << "byte " << int(ch);
-        EXPECT_EQ(UsLayout::CharToOem(ch), oem) << "byte " << int(ch);
-        EXPECT_EQ(UsLayout::OemKeyScan(oem), oemScan) << "byte " << int(ch);
-    }
+        {0xB0, -1, 0xF8, ~0u},    {0x83, -1, 0x9F, ~0u},   {0xA0, -1, 0xFF, ~0u},
+        {0xC0, -1, '?', 0x10035}, {0x80, -1, '?', 0x10035}};
+    for (const auto& [ch, vkScan, oem, oemScan] : others)
+        EXPECT_EQ(
+            std::tuple(UsLayout::VkKeyScan(ch), UsLayout::CharToOem(ch), UsLayout::OemKeyScan(oem)),
+            std::tuple(vkScan, oem, oemScan))
+            << "byte " << int(ch);
 }
 
 } // namespace
