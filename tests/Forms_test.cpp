@@ -17,10 +17,8 @@
 #include <QStyleOptionButton>
 #include <QStyleOptionComboBox>
 #include <QTest>
-#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
-#include <vector>
 
 namespace {
 
@@ -37,13 +35,13 @@ template <class Form> std::unique_ptr<QWidget> make() {
 
 struct Window {
     const char* name;
-    std::function<std::unique_ptr<QWidget>()> make;
-    std::vector<const char*> focusOrder;          // the start of the keyboard focus order
-    std::vector<std::pair<const char*, int>> max = {}; // fields and the length the store keeps
+    std::unique_ptr<QWidget> (*make)();
+    QStringList focusOrder;                  // its start: where the focus goes first, then Tab
+    QList<QPair<const char*, int>> max = {}; // fields and the length the store keeps
 };
 
 // clang-format off
-const std::vector<Window> kWindows = {
+const QList<Window> kWindows = {
     {"Hostwarden", make<Ui::Hostwarden>, {"OPTCTF", "OPTDM", "OPTTDM", "TXTConfName", "TXTServName",
                                           "TXTPassword", "TXTRconPass", "CMDLaunch", "CMDAbout"},
                                          {{"TXTMess_0", 255}, {"TXTMess_3", 255}}},
@@ -59,6 +57,7 @@ const std::vector<Window> kWindows = {
 };
 // clang-format on
 
+// The caption a control shows on one line, if it has one.
 QString captionOf(const QWidget* w) {
     auto* label = qobject_cast<const QLabel*>(w);
     if (label && !label->wordWrap())
@@ -66,49 +65,42 @@ QString captionOf(const QWidget* w) {
     return qobject_cast<const QAbstractButton*>(w) ? w->property("text").toString() : QString();
 }
 
-// Where a caption's text is drawn inside its widget, in the widget's coordinates.
+// Where a caption's text is drawn, in the window's coordinates.
 QRect captionArea(QWidget* w) {
-    QRect contents;
+    QRect contents = w->contentsRect();
     Qt::Alignment align = Qt::AlignLeft | Qt::AlignVCenter;
     if (auto* label = qobject_cast<QLabel*>(w)) {
-        contents = label->contentsRect();
         align = label->alignment();
     } else {
         QStyleOptionButton opt;
         opt.initFrom(w);
         opt.text = captionOf(w);
-        const auto element = qobject_cast<QPushButton*>(w) ? QStyle::SE_PushButtonContents
-                             : qobject_cast<QCheckBox*>(w) ? QStyle::SE_CheckBoxContents
-                                                           : QStyle::SE_RadioButtonContents;
-        contents = w->style()->subElementRect(element, &opt, w);
-        if (qobject_cast<QPushButton*>(w)) {
+        const bool button = qobject_cast<QPushButton*>(w);
+        contents = w->style()->subElementRect(button ? QStyle::SE_PushButtonContents
+                                              : qobject_cast<QCheckBox*>(w)
+                                                  ? QStyle::SE_CheckBoxContents
+                                                  : QStyle::SE_RadioButtonContents,
+                                              &opt, w);
+        if (button) {
             contents.adjust(kButtonMargin, 0, -kButtonMargin, 0);
             align = Qt::AlignCenter;
         }
     }
     const QFontMetrics fm(w->font());
-    return QStyle::alignedRect(Qt::LeftToRight, align,
-                               QSize(fm.horizontalAdvance(captionOf(w)), fm.height()), contents);
-}
-
-// What a control paints over whatever lies beneath it: a check box or label only its
-// indicator and text, a frame's lines nothing that matters.
-QRect coverOf(QWidget* w) {
-    if (w->metaObject()->className() == QByteArray("QFrame"))
-        return {};
-    if (captionOf(w).isEmpty() || qobject_cast<QPushButton*>(w))
-        return w->geometry();
-    const QRect text = captionArea(w).translated(w->pos());
-    return text.united(QRect(w->x(), text.top(), text.left() - w->x(), text.height()));
+    const QSize size(fm.horizontalAdvance(captionOf(w)), fm.height());
+    return QStyle::alignedRect(Qt::LeftToRight, align, size, contents).translated(w->pos());
 }
 
 // Every reason a caption of the window would show cut off, one line each.
 QStringList captionsCutOff(QWidget* window) {
     QStringList faults;
-    const auto controls = window->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    auto controls = window->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    // The frame's lines cover nothing.
+    controls.removeIf(
+        [](QWidget* w) { return w->metaObject()->className() == QByteArray("QFrame"); });
     for (qsizetype i = 0; i < controls.size(); ++i) {
         QWidget* w = controls[i];
-        const QString where = w->objectName() + ": ";
+        const QString where = w->objectName() + ": ", caption = captionOf(w);
         const QFontMetrics fm(w->font());
         auto* label = qobject_cast<QLabel*>(w);
         if (label && label->wordWrap() && label->heightForWidth(label->width()) > label->height())
@@ -117,34 +109,30 @@ QStringList captionsCutOff(QWidget* window) {
             QStyleOptionComboBox opt;
             opt.initFrom(combo);
             opt.editable = true;
-            opt.frame = combo->hasFrame();
             const QRect field = combo->style()->subControlRect(QStyle::CC_ComboBox, &opt,
                                                                QStyle::SC_ComboBoxEditField, combo);
             if (fm.horizontalAdvance(combo->currentText()) + 2 * kLineEditMargin > field.width())
-                faults << where + combo->currentText() + " is wider than the edit field";
+                faults << where + combo->currentText() + " is wider than its field";
         }
-        if (captionOf(w).isEmpty())
+        if (caption.isEmpty())
             continue;
         const QRect area = captionArea(w);
-        const bool button = qobject_cast<QPushButton*>(w);
-        const int left = button  ? kButtonMargin
-                         : label ? label->contentsRect().left()
-                                 : area.left();
-        if (area.left() < left || area.right() > w->width() - 1 - (button ? kButtonMargin : 0))
-            faults << where + captionOf(w) + " is wider than its control";
+        const int margin = qobject_cast<QPushButton*>(w) ? kButtonMargin : 0;
+        if (area.left() < w->x() + margin || area.right() >= w->x() + w->width() - margin)
+            faults << where + caption + " is wider than its control";
         if (fm.height() > w->height())
             faults << where + "the font is higher than the control";
         // Controls created later lie on top of this one.
-        for (qsizetype j = i + 1; j < controls.size(); ++j)
-            if (coverOf(controls[j]).intersects(area.translated(w->pos())))
-                faults << where + captionOf(w) + " lies under " + controls[j]->objectName();
+        for (QWidget* above : controls.mid(i + 1))
+            if (above->geometry().intersects(area))
+                faults << where + caption + " lies under " + above->objectName();
     }
     return faults;
 }
 
 TEST(Forms, WhatTheOperatorSeesInEveryWindow) {
-    // DejaVu Sans is a wide face: at 7 points every caption fits; at 7.5 "Game Password:" and
-    // "Original Name:" are cut off, at 8 a dozen more and the "Combo1" of every narrow drop-down.
+    // DejaVu Sans is a wide face: at 7 points every caption fits; at 7.5 "Game Password:",
+    // "Original Name:" and the "Combo1" of every narrow drop-down are cut off, at 8 a dozen more.
     ASSERT_EQ(QFontInfo(QApplication::font()).family(), "DejaVu Sans")
         << "the font the windows are laid out for is installed";
     for (const Window& f : kWindows) {
@@ -164,17 +152,17 @@ TEST(Forms, WhatTheOperatorSeesInEveryWindow) {
             EXPECT_EQ(edit->text().size(), limit) << field;
         }
 
-        QStringList order, start(f.focusOrder.begin(), f.focusOrder.end());
+        QStringList order;
         for (QWidget* w = window->nextInFocusChain(); w != window.get(); w = w->nextInFocusChain())
             if (w->parentWidget() == window.get() && (w->focusPolicy() & Qt::TabFocus) &&
                 !order.contains(w->objectName()))
                 order << w->objectName();
-        EXPECT_EQ(order.mid(0, start.size()), start);
+        EXPECT_EQ(order.mid(0, f.focusOrder.size()), f.focusOrder);
         window->show();
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
         ASSERT_NE(QApplication::focusWidget(), nullptr);
-        EXPECT_EQ(QApplication::focusWidget()->objectName(), start.front());
+        EXPECT_EQ(QApplication::focusWidget()->objectName(), f.focusOrder.front());
     }
     auto main = make<Ui::Hostwarden>();
     EXPECT_FALSE(main->findChild<QLabel*>("Image1")->pixmap().isNull()) << "the banner shows";
