@@ -150,13 +150,14 @@ TEST(Launch, FailuresAreReported) {
 }
 
 TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {
-    const QString title = "Save and exit or just exit";
-    const MessageRequest first{"This will end the Hostwarden and Red Faction Dedicated Server "
-                               "Sessions, Do you wish to continue?",
-                               title, MsgButtons::YesNo, MsgIcon::Information, MsgDefault::Second};
-    const MessageRequest second{
-        "Property values have changed?\r\nYes = Save and Exit.\r\nNo = Just Exit", title,
-        MsgButtons::YesNo, MsgIcon::Information, MsgDefault::Second};
+    const auto question = [](const char* text) {
+        return MessageRequest{text, "Save and exit or just exit", MsgButtons::YesNo,
+                              MsgIcon::Information, MsgDefault::Second};
+    };
+    const QList boxes{question("This will end the Hostwarden and Red Faction Dedicated Server "
+                               "Sessions, Do you wish to continue?"),
+                      question("Property values have changed?\r\nYes = Save and Exit.\r\nNo = "
+                               "Just Exit")};
     using enum MsgAnswer;
     const struct {
         const char* what;
@@ -182,7 +183,7 @@ TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {
         m.t.messages.answers = row.answers;
         CMDExit_Click(*m.w);
         ASSERT_EQ(m.t.messages.shown.size(), row.answers.size());
-        EXPECT_EQ(m.t.messages.shown.mid(0, 2), (QList{first, second}.mid(0, row.answers.size())));
+        EXPECT_EQ(m.t.messages.shown.mid(0, 2), boxes.mid(0, row.answers.size()));
         EXPECT_EQ(m.t.end.ended, row.ends ? 1 : 0);
         EXPECT_EQ(m.t.beeper.beeps, row.ends ? (row.stored ? 2 : 1) : 0);
         const Posts closed{{console, WM_CANCELMODE}, {console, WM_CLOSE}};
