@@ -40,81 +40,75 @@ void ExpectNoCloseBox(const QWidget* window) {
 
 } // namespace
 
-TEST(Setup, LaterRunGoesStraightToTheMainWindow) {
-    for (const QString stored : {"/games/rf/", ""}) {
-        SCOPED_TRACE(stored.toStdString());
-        SetupRun r;
-        CreateDefaultConfig(r.t.store, kAppName);
-        r.t.Put("Startup", "HasRunSetup", "1");
-        if (!stored.isEmpty())
-            r.t.Put("Startup", "RFLocation", stored);
-        r.Start();
-        EXPECT_TRUE(r.t.messages.shown.isEmpty());
-        EXPECT_EQ(r.forms.Setup, nullptr);
-        EXPECT_FALSE(r.setup->isVisible());
-        ASSERT_NE(r.forms.MainWindow, nullptr);
-        EXPECT_TRUE(r.forms.MainWindow->isVisible());
-        ExpectNoCloseBox(r.forms.MainWindow);
-        EXPECT_EQ(r.app.GameDir, stored);
-        EXPECT_EQ(r.t.Get("Startup", "RFLocation"), stored);
-    }
-}
-
-TEST(Setup, FirstRunWarnsThenOKCreatesTheDefaultsAndCancelEndsStoringNothing) {
+TEST(Setup, FirstRunWarnsAndWaitsForTheDirectoryLaterRunsGoStraightToTheMainWindow) {
     const MessageRequest warning{
         "Warning, it is highly recommended that you make a backup of dedicated_server.txt "
         "located in your redfaction game directory. This application will modify this file. "
         "Ckick Cancel to exit setup or click OK to continue",
         "Warning", MsgButtons::OKCancel, MsgIcon::None, MsgDefault::First};
+    using enum MsgAnswer;
     const struct {
         const char* what;
-        bool storedDir;
-        MsgAnswer answer;
-        const char* button; // clicked in the Setup window
+        QString stored;              // "section/key=value;..." over the defaults of a later run
+        MsgAnswer answer;            // to the warning
+        const char* button;          // clicked in the Setup window
+        QString gameDir, maxplayers; // no maxplayers: the program ends, storing nothing
     } rows[] = {
-        {"a stored directory and older defaults", true, MsgAnswer::OK, "CMDOK"},
-        {"an empty store, as after a reset", false, MsgAnswer::OK, "CMDOK"},
-        {"cancel at the warning", false, MsgAnswer::Cancel, nullptr},
-        {"cancel in the window", true, MsgAnswer::OK, "CMDCancel"},
+        // clang-format off
+        {"later run", "Startup/HasRunSetup=1;Startup/RFLocation=/games/rf/;Default/maxplayers=12",
+         OK, nullptr, "/games/rf/", "12"},
+        {"later run without a directory", "Startup/HasRunSetup=1", OK, nullptr, "", "16"},
+        {"first run with a directory and older defaults",
+         "Startup/RFLocation=/games/rf/;Default/maxplayers=4;ConfName/ConfCount=3", OK, "CMDOK",
+         "/games/rf/", "16"},
+        {"first run from an empty store, as after a reset", "", OK, "CMDOK", "/games/rf/", "16"},
+        {"cancel at the warning", "", Cancel, nullptr, "", ""},
+        {"cancel in the window", "Startup/RFLocation=/games/rf/", OK, "CMDCancel", "", ""},
+        // clang-format on
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         SetupRun r;
-        if (row.storedDir) {
-            r.t.Put("Startup", "RFLocation", "/games/rf/");
-            r.t.Put("Default", "maxplayers", "4");
-            r.t.Put("ConfName", "ConfCount", "3");
-        }
+        const bool firstRun = !row.stored.contains("HasRunSetup");
+        if (!firstRun)
+            CreateDefaultConfig(r.t.store, kAppName);
+        for (const QString& entry : row.stored.split(';', Qt::SkipEmptyParts))
+            r.t.Put(entry.section('/', 0, 0), entry.section('/', 1).section('=', 0, 0),
+                    entry.section('=', 1));
         const int writes = r.t.store.writes;
         r.t.messages.answers = {row.answer};
         r.Start();
-        EXPECT_EQ(r.t.messages.shown, QList{warning});
+        EXPECT_EQ(r.t.messages.shown, firstRun ? QList{warning} : QList<MessageRequest>());
         if (row.button) {
             Ui::Setup& ui = *r.setup->ui;
-            EXPECT_EQ(ui.TXTRFLocate->text(), row.storedDir ? "/games/rf/" : "");
-            EXPECT_EQ(ui.CMDOK->isEnabled(), row.storedDir) << "enabled by a directory";
+            const bool stored = row.stored.contains("RFLocation");
+            EXPECT_EQ(ui.TXTRFLocate->text(), stored ? "/games/rf/" : "");
+            EXPECT_EQ(ui.CMDOK->isEnabled(), stored) << "enabled by a directory";
             ExpectNoCloseBox(r.setup);
-            if (!row.storedDir) { // what Browse's OK does
+            if (!stored) { // what Browse's OK does
                 ui.TXTRFLocate->setText("/games/rf/");
                 ui.CMDOK->setEnabled(true);
             }
             r.setup->show();
             QTest::mouseClick(r.setup->findChild<QPushButton*>(row.button), Qt::LeftButton);
         }
-        const bool ends = !row.button || QString(row.button) == "CMDCancel";
+        const bool ends = row.maxplayers.isEmpty();
         EXPECT_EQ(r.t.end.ended, ends ? 1 : 0);
         if (ends) {
             EXPECT_EQ(r.t.store.writes, writes);
             EXPECT_EQ(r.forms.MainWindow, nullptr);
             continue;
         }
+        EXPECT_EQ(r.app.GameDir, row.gameDir);
         EXPECT_EQ(QStringList({r.t.Get("Startup", "HasRunSetup"), r.t.Get("Startup", "RFLocation"),
                                r.t.Get("ConfName", "ConfCount"), r.t.Get("ConfName", "Conf1"),
                                r.t.Get("Default", "maxplayers")}),
-                  QStringList({"1", "/games/rf/", "1", "DEFAULT", "16"}));
+                  QStringList({"1", row.gameDir, "1", "DEFAULT", row.maxplayers}));
+        EXPECT_EQ(r.forms.Setup, nullptr);
+        EXPECT_FALSE(r.setup->isVisible());
         ASSERT_NE(r.forms.MainWindow, nullptr);
         EXPECT_TRUE(r.forms.MainWindow->isVisible());
-        EXPECT_FALSE(r.setup->isVisible());
+        ExpectNoCloseBox(r.forms.MainWindow);
     }
 }
 
