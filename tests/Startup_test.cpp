@@ -85,6 +85,7 @@ TEST(Setup, FirstRunWarnsAndWaitsForTheDirectoryLaterRunsGoStraightToTheMainWind
             EXPECT_EQ(ui.TXTRFLocate->text(), stored ? "/games/rf/" : "");
             EXPECT_EQ(ui.CMDOK->isEnabled(), stored) << "enabled by a directory";
             ExpectNoCloseBox(r.setup);
+            EXPECT_EQ(r.forms.MainWindow, nullptr) << "Setup waits for the operator";
             if (!stored) { // what Browse's OK does
                 ui.TXTRFLocate->setText("/games/rf/");
                 ui.CMDOK->setEnabled(true);
@@ -112,7 +113,8 @@ TEST(Setup, FirstRunWarnsAndWaitsForTheDirectoryLaterRunsGoStraightToTheMainWind
     }
 }
 
-TEST(Startup, RestoresThePreferencesAlongTheirChain) {
+// Whatever the preferences, DEFAULT is loaded into every control and nothing runs yet.
+TEST(Startup, LoadsDefaultAndRestoresThePreferencesAlongTheirChain) {
     const struct {
         const char* what;
         QString startup; // "key=value" pairs seeded under Startup
@@ -152,30 +154,26 @@ TEST(Startup, RestoresThePreferencesAlongTheirChain) {
         if (port) {
             EXPECT_EQ(m.t.Get("Startup", "PortNum"), row.portText);
         }
+        // The worked example of the options file is what a first run shows.
+        EXPECT_EQ(m.Text().toLatin1(), texts::kFirstRunOptions);
+        QStringList lists;
+        for (QComboBox* list :
+             {ui.MaxPlayers, ui.MaxTime, ui.MaxKills, ui.MaxCaps, ui.MaxGeo, ui.TeamDamage,
+              ui.FallDamage, ui.WeaponStay, ui.ForceSpawn, ui.Balance})
+            lists << QString("%1..%2 %3")
+                         .arg(list->itemText(0), list->itemText(list->count() - 1),
+                              QString::number(list->count()));
+        EXPECT_EQ(lists.join(", "), "2..32 31, 5..60 56, 1..100 100, 1..25 25, 0..128 129, "
+                                    "True..False 2, True..False 2, True..False 2, True..False 2, "
+                                    "True..False 2");
+        EXPECT_EQ(QStringList({ui.LSTConfig->currentText(), QString::number(ui.LSTConfig->count()),
+                               ui.TXTConfName->text(), ui.TXTMod->text(), ui.MCS->text()}),
+                  QStringList({"DEFAULT", "1", "Default", "None", "0 Maps"}));
+        EXPECT_EQ(m.app.CurrentConf, "DEFAULT");
+        EXPECT_EQ(m.app.Saved, "yes");
+        EXPECT_FALSE(m.timer("TMRAdds")->isActive());
+        EXPECT_FALSE(m.timer("TMRSend")->isActive());
     }
-}
-
-TEST(Startup, LoadsDefaultIntoEveryControl) {
-    MainWindow m;
-    auto& ui = m.Start().ui();
-    // The worked example of the options file is what a first run shows.
-    EXPECT_EQ(m.Text().toLatin1(), texts::kFirstRunOptions);
-    QStringList lists;
-    for (QComboBox* list : {ui.MaxPlayers, ui.MaxTime, ui.MaxKills, ui.MaxCaps, ui.MaxGeo,
-                            ui.TeamDamage, ui.FallDamage, ui.WeaponStay, ui.ForceSpawn, ui.Balance})
-        lists << QString("%1..%2 %3")
-                     .arg(list->itemText(0), list->itemText(list->count() - 1),
-                          QString::number(list->count()));
-    EXPECT_EQ(lists.join(", "), "2..32 31, 5..60 56, 1..100 100, 1..25 25, 0..128 129, "
-                                "True..False 2, True..False 2, True..False 2, True..False 2, "
-                                "True..False 2");
-    EXPECT_EQ(QStringList({ui.LSTConfig->currentText(), QString::number(ui.LSTConfig->count()),
-                           ui.TXTConfName->text(), ui.TXTMod->text(), ui.MCS->text()}),
-              QStringList({"DEFAULT", "1", "Default", "None", "0 Maps"}));
-    EXPECT_EQ(m.app.CurrentConf, "DEFAULT");
-    EXPECT_EQ(m.app.Saved, "yes");
-    EXPECT_FALSE(m.timer("TMRAdds")->isActive());
-    EXPECT_FALSE(m.timer("TMRSend")->isActive());
 }
 
 TEST(LaunchSwitches, ClicksAndTypedPortsAreStored) {
