@@ -108,7 +108,8 @@ TEST(Launch, WritesTheOptionsBoxAsItStandsThenStoresTheConfiguration) {
     ASSERT_EQ(m.t.launcher.calls.size(), 1);
     EXPECT_EQ(m.t.launcher.calls[0].parameters, "-dedicated DEFAULT");
     EXPECT_EQ(m.ui().TXTConfName->text(), "DEFAULT");
-    EXPECT_EQ(m.t.Get("DEFAULT", "password"), "pw");
+    EXPECT_TRUE(m.Text().contains("$Name:           \"DEFAULT\"\r\n"));
+    EXPECT_EQ(m.t.Get("DEFAULT", "name") + m.t.Get("DEFAULT", "password"), "DEFAULTpw");
     EXPECT_EQ(m.app.Saved, "yes");
 }
 
