@@ -64,15 +64,10 @@ TEST(GameType, EachOptionSetsItsTypeLimitsNameAndEmptiesTheMaps) {
     }
 }
 
-// One list of numbers and one of switches: which list feeds which field shows in the round
-// trip of SaveConfig.AsksThenRewritesTheWholeSectionOrWritesNothing.
-TEST(ListFields, ChoosingAnItemRebuildsTheOptionsTextTypingDoesNot) {
-    const struct {
-        const char* list;
-        int index;
-        const char* line;
-    } rows[] = {{"MaxPlayers", 30, "$Max Players:    32\r\n"},
-                {"Balance", 1, "$Balance Teams:  False\r\n"}};
+// Choosing from a list and every keystroke in a text field mark the configuration changed and
+// show at once in the options text. Which list or box feeds which field shows in the round trip
+// of SaveConfig.AsksThenRewritesTheWholeSectionOrWritesNothing.
+TEST(ConfigFields, EveryChoiceAndKeystrokeShowsAtOnceTypingInAListDoesNot) {
     MainWindow m;
     auto& ui = m.Start().ui();
     // A hand edit of the options box counts as a change and lasts until a rebuild.
@@ -80,48 +75,36 @@ TEST(ListFields, ChoosingAnItemRebuildsTheOptionsTextTypingDoesNot) {
     ui.TXTSTat->appendPlainText("$Extra: 1");
     EXPECT_EQ(m.app.Saved, "no");
     EXPECT_TRUE(m.Text().contains("$Extra: 1"));
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.list);
-        m.app.Saved = "yes";
-        m.w->findChild<QComboBox*>(row.list)->setCurrentIndex(row.index);
-        EXPECT_TRUE(m.Text().contains(row.line));
+    const auto shows = [&](const QString& line) {
+        EXPECT_TRUE(m.Text().contains(line + "\r\n")) << line.toStdString();
         EXPECT_FALSE(m.Text().contains("$Extra: 1"));
-        EXPECT_EQ(m.app.Saved, "no");
+        EXPECT_EQ(m.app.Saved, "no") << line.toStdString();
+        m.app.Saved = "yes";
+    };
+    m.app.Saved = "yes";
+    ui.MaxPlayers->setCurrentIndex(30);
+    shows("$Max Players:    32");
+    ui.Balance->setCurrentIndex(1);
+    shows("$Balance Teams:  False");
+    for (auto [box, line] :
+         QList<QPair<QLineEdit*, QString>>{{ui.TXTServName, "$Server Name:    \""},
+                                           {ui.TXTPassword, "$Password:       \""},
+                                           {ui.TXTRconPass, "$Rcon Password:  \""}}) {
+        EXPECT_EQ(box->echoMode(), QLineEdit::Normal);
+        box->clear();
+        m.app.Saved = "yes";
+        for (const char ch : QByteArray("ab c")) {
+            QTest::keyClick(box, ch);
+            shows((line += ch) + "\"");
+        }
     }
     const QString before = m.Text();
-    m.app.Saved = "yes";
     for (QComboBox* list : {ui.MaxPlayers, ui.TeamDamage}) {
         list->lineEdit()->selectAll();
         QTest::keyClicks(list->lineEdit(), "7");
     }
     EXPECT_EQ(m.Text(), before);
     EXPECT_EQ(m.app.Saved, "yes");
-}
-
-TEST(TextFields, EveryKeystrokeShowsAtOnceAndInClear) {
-    const struct {
-        const char* box;
-        const char* prefix;
-    } rows[] = {
-        {"TXTServName", "$Server Name:    \""},
-        {"TXTPassword", "$Password:       \""},
-        {"TXTRconPass", "$Rcon Password:  \""},
-    };
-    MainWindow m;
-    m.Start();
-    for (const auto& row : rows) {
-        auto* box = m.w->findChild<QLineEdit*>(row.box);
-        box->clear();
-        QString typed;
-        for (const char ch : QByteArray("ab c")) {
-            m.app.Saved = "yes";
-            QTest::keyClick(box, ch);
-            typed += ch;
-            EXPECT_TRUE(m.Text().contains(row.prefix + typed + "\"\r\n")) << row.box;
-            EXPECT_EQ(m.app.Saved, "no") << row.box;
-        }
-        EXPECT_EQ(box->echoMode(), QLineEdit::Normal) << row.box;
-    }
 }
 
 TEST(Banner, ShowsTheUpdateNoticeThenBeeps) {
