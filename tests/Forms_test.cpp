@@ -95,7 +95,7 @@ QRect captionArea(QWidget* w) {
 QStringList captionsCutOff(QWidget* window) {
     QStringList faults;
     auto controls = window->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
-    // The frame's lines cover nothing.
+    // Plain frames only draw the lines that divide a window; they hide no caption.
     controls.removeIf(
         [](QWidget* w) { return w->metaObject()->className() == QByteArray("QFrame"); });
     for (qsizetype i = 0; i < controls.size(); ++i) {

@@ -109,7 +109,8 @@ TEST(Launch, WritesTheOptionsBoxAsItStandsThenStoresTheConfiguration) {
     EXPECT_EQ(m.t.launcher.calls[0].parameters, "-dedicated DEFAULT");
     EXPECT_EQ(m.ui().TXTConfName->text(), "DEFAULT");
     EXPECT_TRUE(m.Text().contains("$Name:           \"DEFAULT\"\r\n"));
-    EXPECT_EQ(m.t.Get("DEFAULT", "name") + m.t.Get("DEFAULT", "password"), "DEFAULTpw");
+    EXPECT_EQ(QStringList({m.t.Get("DEFAULT", "name"), m.t.Get("DEFAULT", "password")}),
+              QStringList({"DEFAULT", "pw"}));
     EXPECT_EQ(m.app.Saved, "yes");
 }
 
