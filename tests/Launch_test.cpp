@@ -3,7 +3,6 @@
 
 #include "ui/server/LaunchHandlers.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -28,36 +27,30 @@ MessageRequest ErrorBox(const QString& text, const QString& title, MsgIcon icon)
 
 TEST(Launch, CommandLineFollowsTheControls) {
     QTemporaryDir dir;
-    // A Windows game path is only a file name here: the options file lands in the current
-    // folder, and the command line keeps the path as it is.
-    QDir::setCurrent(dir.path());
-    const QString unixDir = dir.path() + "/";
+    const QString gameDir = dir.path() + "/";
     const struct {
         const char* what;
-        QString gameDir;
         bool lanOnly, port;
         QString portText, mod, name;
         QString result; // the parameters, or the message of a refused launch
         bool refused = false;
     } rows[] = {
         // clang-format off
-        {"the worked example", "C:\\Games\\RF\\", true, true, "1234", "None", "Default",
+        {"the worked example's switches", true, true, "1234", "None", "Default",
          "-dedicated Default -lanonly -port 1234"},
-        {"a Linux game directory", unixDir, true, true, "1234", "None", "Default",
-         "-dedicated Default -lanonly -port 1234"},
-        {"port unchecked ignores the field", unixDir, false, false, "12", "None", "A", "-dedicated A"},
-        {"three digits", unixDir, false, true, "123", "None", "A", "Invalid Port", true},
-        {"empty port", unixDir, false, true, "", "None", "A",
+        {"port unchecked ignores the field", false, false, "12", "None", "A", "-dedicated A"},
+        {"three digits", false, true, "123", "None", "A", "Invalid Port", true},
+        {"empty port", false, true, "", "None", "A",
          "You must specify a local port number to use", true},
-        {"an empty mod still adds the switch", unixDir, false, false, "", "", "A", "-dedicated A -mod "},
-        {"mod is compared exactly", unixDir, false, false, "", "none", "A", "-dedicated A -mod none"},
-        {"name with a blank, unquoted, and a mod", unixDir, false, false, "", "Rocketball",
+        {"an empty mod still adds the switch", false, false, "", "", "A", "-dedicated A -mod "},
+        {"mod is compared exactly", false, false, "", "none", "A", "-dedicated A -mod none"},
+        {"name with a blank, unquoted, and a mod", false, false, "", "Rocketball",
          " My Server", "-dedicated  My Server -mod Rocketball"},
         // clang-format on
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        Launch m(row.gameDir);
+        Launch m(gameDir);
         const WindowHandle old = m.t.windows.Add(texts::kServerTitle);
         m.ui().CHKGameTracker->setChecked(row.lanOnly);
         m.ui().CHKPort->setChecked(row.port);
@@ -65,14 +58,14 @@ TEST(Launch, CommandLineFollowsTheControls) {
         m.ui().TXTMod->setText(row.mod);
         // Storing the configuration gives it the list entry's name.
         m.app.CurrentConf = row.name;
-        QFile::remove(row.gameDir + "dedicated_server.txt");
+        QFile::remove(gameDir + "dedicated_server.txt");
         m.w->ServerLaunched(7);
         m.timer("TMRAdds")->stop();
         CMDLaunch_Click(*m.w);
         // Refused or not, the old console has been asked to close, the file written and
         // the configuration stored.
         EXPECT_EQ(m.t.windows.posts, (Posts{{old, WM_CANCELMODE}, {old, WM_CLOSE}}));
-        EXPECT_TRUE(QFile::exists(row.gameDir + "dedicated_server.txt"));
+        EXPECT_TRUE(QFile::exists(gameDir + "dedicated_server.txt"));
         EXPECT_EQ(m.t.Get(row.name, "name"), row.name);
         EXPECT_EQ(m.w->Automation().ServerHandle(), row.refused ? 0 : 42);
         EXPECT_EQ(m.timer("TMRAdds")->isActive(), !row.refused);
@@ -85,9 +78,9 @@ TEST(Launch, CommandLineFollowsTheControls) {
         EXPECT_TRUE(m.t.messages.shown.isEmpty());
         ASSERT_EQ(m.t.launcher.calls.size(), 1);
         const RecordingLauncher::Call& call = m.t.launcher.calls[0];
-        EXPECT_EQ(call.program, row.gameDir + "RF.EXE");
+        EXPECT_EQ(call.program, gameDir + "RF.EXE");
         EXPECT_EQ(call.parameters, row.result);
-        EXPECT_EQ(call.workingDirectory, row.gameDir.chopped(1));
+        EXPECT_EQ(call.workingDirectory, gameDir.chopped(1));
         EXPECT_EQ(call.windowStyle, 1);
     }
 }
@@ -115,39 +108,43 @@ TEST(Launch, WritesTheOptionsBoxAsItStandsThenStoresTheConfiguration) {
 }
 
 TEST(Launch, FailuresAreReported) {
+    QTemporaryDir dir;
+    // A folder below a plain file cannot be made, not even by root.
+    QFile plain(dir.path() + "/plain");
+    ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
     const struct {
         const char* what;
         QString gameDir;
         QList<std::int32_t> shell, commandLine;
         std::int32_t handle;
-        bool reported;
+        const char* title; // of the box that reports it, if one does
     } rows[] = {
-        {"no resources", "", {0}, {42}, 0, true},
-        {"small code, whole line starts", "", {2}, {42}, 2, false},
-        {"small code, whole line fails too", "", {2}, {2}, 0, true},
-        {"unwritable options file", "/nonexistent/hostwarden/", {}, {}, 0, true},
+        {"no resources", "/", {0}, {42}, 0, "Dedicated Server Error"},
+        {"small code, whole line starts", "/", {2}, {42}, 2, nullptr},
+        {"small code, whole line fails too", "/", {2}, {2}, 0, "Dedicated Server Error"},
+        {"unwritable options file", "/plain/", {}, {}, 0, "Options File Error"},
     };
-    QTemporaryDir dir;
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        Launch m(row.gameDir.isEmpty() ? dir.path() + "/" : row.gameDir);
+        Launch m(dir.path() + row.gameDir);
         m.t.launcher.shellResults = row.shell;
         m.t.launcher.commandLineResults = row.commandLine;
         CMDLaunch_Click(*m.w);
         EXPECT_EQ(m.w->Automation().ServerHandle(), row.handle);
-        EXPECT_EQ(m.timer("TMRAdds")->isActive(), !row.reported);
-        ASSERT_EQ(m.t.messages.shown.size(), row.reported ? 1 : 0);
-        if (!row.reported)
+        EXPECT_EQ(m.timer("TMRAdds")->isActive(), !row.title);
+        ASSERT_EQ(m.t.messages.shown.size(), row.title ? 1 : 0);
+        if (!row.title)
             continue;
         const MessageRequest& box = m.t.messages.shown[0];
-        if (row.gameDir.isEmpty()) {
-            EXPECT_EQ(box, ErrorBox("RedFaction Dedicated Server Filed to Launch",
-                                    "Dedicated Server Error", MsgIcon::None));
+        if (box.title == "Options File Error") {
+            EXPECT_TRUE(m.t.launcher.calls.isEmpty());
+            EXPECT_TRUE(box.text.endsWith("\r\nThe server was not started."))
+                << box.text.toStdString();
+            EXPECT_EQ(box, ErrorBox(box.text, row.title, MsgIcon::Critical));
             continue;
         }
-        EXPECT_TRUE(m.t.launcher.calls.isEmpty());
-        EXPECT_TRUE(box.text.endsWith("\r\nThe server was not started.")) << box.text.toStdString();
-        EXPECT_EQ(box, ErrorBox(box.text, "Options File Error", MsgIcon::Critical));
+        EXPECT_EQ(
+            box, ErrorBox("RedFaction Dedicated Server Filed to Launch", row.title, MsgIcon::None));
     }
 }
 
