@@ -14,13 +14,10 @@
 namespace {
 
 // Runs the program's entry over doubles: the Setup window loads first.
-struct SetupRun {
-    TestServices t;
-    AppState app;
-    WindowRegistry forms;
+struct SetupRun : MainWindow {
     Setup* setup = nullptr;
 
-    void Start() {
+    void Run() {
         setup = new Setup(app, forms, t.services);
         forms.Setup = setup;
         Setup_Form_Load(*setup);
@@ -77,7 +74,7 @@ TEST(Setup, FirstRunWarnsAndWaitsForTheDirectoryLaterRunsGoStraightToTheMainWind
                     entry.section('=', 1));
         const int writes = r.t.store.writes;
         r.t.messages.answers = {row.answer};
-        r.Start();
+        r.Run();
         EXPECT_EQ(r.t.messages.shown, firstRun ? QList{warning} : QList<MessageRequest>());
         if (row.button) {
             Ui::Setup& ui = *r.setup->ui;
