@@ -8,56 +8,150 @@
 
 namespace {
 
-// A stored configuration "CLAN" next to DEFAULT, as the program itself saves one.
-void SeedClan(TestServices& t, const QString& gametype, const QStringList& maps,
-              const QString& yes = "True", const QString& no = "False") {
-    const QString keys = "servname=Clan Night;name=CLAN;maxplayers=8;password=pw;rconpass=rc;"
-                         "maxtime=20;maxcaps=3;maxkills=25;maxgeo=64;teamdamage=" +
-                         yes + ";forcespawn=" + yes + ";balance=" + no + ";weaponstay=" + yes +
-                         ";falldamage=" + no +
-                         ";default=1;Mod=Rocketball;Text0=hello;Text1=;Text2=third;Text3=;"
-                         "MessageOn=0";
-    for (const QString& pair : keys.split(';'))
-        t.Put("CLAN", pair.section('=', 0, 0), pair.section('=', 1));
-    t.Put("CLAN", "gametype", gametype);
-    for (int i = 0; i < maps.size(); ++i)
-        t.Put("CLAN", "map" + QString::number(i), maps[i]);
-    t.Put("CLAN", "mapcount", QString::number(maps.size()));
-    t.Put("ConfName", "ConfCount", "2");
-    t.Put("ConfName", "Conf2", "CLAN");
+// A main window over a store holding a configuration "CLAN" next to DEFAULT, as the program
+// itself saves one, with some keys changed ("key=value;...").
+MainWindow& WithClan(MainWindow& m, const QString& changes = {}) {
+    m.SeedFirstRun();
+    const QString keys = "gametype=CTF;servname=Clan Night;name=CLAN;maxplayers=8;password=pw;"
+                         "rconpass=rc;maxtime=20;maxcaps=3;maxkills=25;maxgeo=64;teamdamage=True;"
+                         "forcespawn=True;balance=False;weaponstay=True;falldamage=False;"
+                         "map0=ctf01;map1=ctf05;map2=ctf01;mapcount=3;default=1;Mod=Rocketball;"
+                         "Text0=hello;Text1=;Text2=third;Text3=;MessageOn=0;";
+    for (const QString& pair : (keys + changes).split(';', Qt::SkipEmptyParts))
+        m.t.Put("CLAN", pair.section('=', 0, 0), pair.section('=', 1));
+    m.t.Put("ConfName", "ConfCount", "2");
+    m.t.Put("ConfName", "Conf2", "CLAN");
+    m.Load();
+    return m;
 }
 
 } // namespace
 
-TEST(LoadConfig, StoredValuesWinWhateverGameTypeWasSelected) {
+TEST(GameType, EachOptionSetsItsTypeLimitsNameAndEmptiesTheMaps) {
     const struct {
-        const char* selected;
-        const char *yes, *no; // booleans load alike in either letter case
-    } rows[] = {{"OPTCTF", "True", "False"}, {"OPTDM", "true", "FALSE"}};
+        const char* option;
+        const char* gametype;
+        bool kills, caps;
+    } rows[] = {{"OPTDM", "DM", true, false},
+                {"OPTTDM", "TeamDM", true, false},
+                {"OPTCTF", "CTF", false, true}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.option);
+        MainWindow m;
+        auto& ui = m.Start().ui();
+        if (QString(row.option) == "OPTCTF")
+            ui.OPTDM->setChecked(true);
+        ui.LSTMaps->addItems({"ctf01", "ctf02"});
+        ui.TXTServName->setText("typed by the operator");
+        m.app.Saved = "yes";
+        auto* option = m.w->findChild<QRadioButton*>(row.option);
+        option->click();
+        const QString type = row.gametype;
+        EXPECT_EQ(ui.TXTServName->text(), "$ME's Dedicated " + type);
+        EXPECT_TRUE(m.Text().contains("$Server Name:    \"$ME's Dedicated " + type +
+                                      "\"\r\n$Game Type:      \"" + type + "\"\r\n"));
+        EXPECT_EQ(ui.MaxKills->isEnabled(), row.kills);
+        EXPECT_EQ(ui.MaxCaps->isEnabled(), row.caps);
+        EXPECT_TRUE(m.Maps().isEmpty());
+        EXPECT_EQ(ui.MCS->text(), "0 Maps");
+        EXPECT_EQ(m.app.Saved, "no");
+        EXPECT_EQ(int(ui.OPTCTF->isChecked()) + ui.OPTDM->isChecked() + ui.OPTTDM->isChecked(), 1);
+        // Clicking the selected option again keeps it, and the maps with it.
+        ui.LSTMaps->addItem("ctf01");
+        QTest::mouseClick(option, Qt::LeftButton);
+        EXPECT_TRUE(option->isChecked());
+        EXPECT_EQ(m.Maps(), QStringList{"ctf01"});
+    }
+}
+
+// Choosing from a list and every keystroke in a text field mark the configuration changed and
+// show at once in the options text. Which list or box feeds which field shows in the round trip
+// of SaveConfig.AsksThenRewritesTheWholeSectionOrWritesNothing.
+TEST(ConfigFields, EveryChoiceAndKeystrokeShowsAtOnceTypingInAListDoesNot) {
+    MainWindow m;
+    auto& ui = m.Start().ui();
+    // A hand edit of the options box counts as a change and lasts until a rebuild.
+    m.app.Saved = "yes";
+    ui.TXTSTat->appendPlainText("$Extra: 1");
+    EXPECT_EQ(m.app.Saved, "no");
+    EXPECT_TRUE(m.Text().contains("$Extra: 1"));
+    const auto shows = [&](const QString& line) {
+        EXPECT_TRUE(m.Text().contains(line + "\r\n")) << line.toStdString();
+        EXPECT_FALSE(m.Text().contains("$Extra: 1"));
+        EXPECT_EQ(m.app.Saved, "no") << line.toStdString();
+        m.app.Saved = "yes";
+    };
+    m.app.Saved = "yes";
+    ui.MaxPlayers->setCurrentIndex(30);
+    shows("$Max Players:    32");
+    ui.Balance->setCurrentIndex(1);
+    shows("$Balance Teams:  False");
+    for (auto [box, line] :
+         QList<QPair<QLineEdit*, QString>>{{ui.TXTServName, "$Server Name:    \""},
+                                           {ui.TXTPassword, "$Password:       \""},
+                                           {ui.TXTRconPass, "$Rcon Password:  \""}}) {
+        EXPECT_EQ(box->echoMode(), QLineEdit::Normal);
+        box->clear();
+        m.app.Saved = "yes";
+        for (const char ch : QByteArray("ab c")) {
+            QTest::keyClick(box, ch);
+            shows((line += ch) + "\"");
+        }
+    }
+    const QString before = m.Text();
+    for (QComboBox* list : {ui.MaxPlayers, ui.TeamDamage}) {
+        list->lineEdit()->selectAll();
+        QTest::keyClicks(list->lineEdit(), "7");
+    }
+    EXPECT_EQ(m.Text(), before);
+    EXPECT_EQ(m.app.Saved, "yes");
+}
+
+TEST(Banner, ShowsTheUpdateNoticeThenBeeps) {
+    MainWindow m;
+    m.Start();
+    int beepsWhileShown = -1;
+    m.t.messages.onShow = [&](const MessageRequest&) { beepsWhileShown = m.t.beeper.beeps; };
+    QTest::mouseClick(m.ui().Image1, Qt::LeftButton);
+    const MessageRequest notice{"Please visit " + kProjectAddress + " for possible updates.",
+                                kAppName, MsgButtons::OK, MsgIcon::None, MsgDefault::First};
+    EXPECT_EQ(m.t.messages.shown, QList{notice});
+    EXPECT_EQ(beepsWhileShown, 0);
+    EXPECT_EQ(m.t.beeper.beeps, 1);
+}
+
+TEST(LoadConfig, ReplacesEditsWithTheStoredValuesWhateverGameTypeWasSelected) {
+    const struct {
+        const char *selected, *changes; // booleans load alike in either letter case
+    } rows[] = {{"OPTCTF", ""},
+                {"OPTDM", "teamdamage=true;forcespawn=true;balance=FALSE;weaponstay=true;"
+                          "falldamage=FALSE"}};
     QString firstText;
     for (const auto& row : rows) {
-        MainWindow m;
-        m.SeedFirstRun();
-        SeedClan(m.t, "CTF", {"ctf01", "ctf05", "ctf01"}, row.yes, row.no);
-        m.Load();
-        m.w->findChild<QRadioButton*>(row.selected)->setChecked(true);
-        m.ui().LSTConfig->setCurrentIndex(1);
-        CMDLoad_Click(*m.w);
-        auto& ui = m.ui();
         SCOPED_TRACE(row.selected);
-        EXPECT_EQ(m.app.gametype, "CTF");
-        EXPECT_EQ(ui.TXTServName->text(), "Clan Night");
-        EXPECT_EQ(ui.MaxPlayers->currentText(), "8");
-        EXPECT_EQ(ui.TeamDamage->currentText() + ui.Balance->currentText(), "TrueFalse");
+        MainWindow m;
+        auto& ui = WithClan(m, row.changes).ui();
+        m.w->findChild<QRadioButton*>(row.selected)->setChecked(true);
+        QTest::keyClicks(ui.TXTServName, " edited");
+        // Choosing an entry only names the configuration; typing in the list's field does not.
+        const QString shown = m.Text();
+        ui.LSTConfig->setCurrentIndex(1);
+        ui.LSTConfig->setEditText("SOMETHING");
+        EXPECT_EQ(m.app.CurrentConf, "CLAN");
+        EXPECT_EQ(m.Text(), shown);
+
+        CMDLoad_Click(*m.w);
+        EXPECT_TRUE(m.t.messages.shown.isEmpty());
+        EXPECT_EQ(QStringList({ui.TXTServName->text(), ui.TXTConfName->text(),
+                               ui.MaxPlayers->currentText(), ui.TeamDamage->currentText(),
+                               ui.Balance->currentText(), ui.TXTMod->text(), ui.MCS->text(),
+                               ui.TXTMess_0->text(), ui.TXTMess_2->text()}),
+                  QStringList({"Clan Night", "CLAN", "8", "True", "False", "Rocketball", "3 Maps",
+                               "hello", "third"}));
         EXPECT_EQ(m.Maps(), QStringList({"ctf01", "ctf05", "ctf01"}));
-        EXPECT_EQ(ui.TXTMod->text(), "Rocketball");
-        EXPECT_EQ(ui.MCS->text(), "3 Maps");
-        EXPECT_EQ(ui.TXTMess_0->text(), "hello");
-        EXPECT_EQ(ui.TXTMess_2->text(), "third");
         // MessageOn is stored but not read back: loading never switches the messages
         // (and with them Server Recover) off behind the operator.
         EXPECT_TRUE(ui.CHKMessage->isChecked());
-        EXPECT_EQ(m.app.name, "CLAN");
         EXPECT_EQ(m.app.Saved, "no");
         EXPECT_TRUE(m.Text().endsWith("$Map:            \"ctf01\"\r\n"));
         if (firstText.isEmpty())
@@ -66,125 +160,63 @@ TEST(LoadConfig, StoredValuesWinWhateverGameTypeWasSelected) {
     }
 }
 
-TEST(LoadConfig, UnreadableFieldsFallBackToTheNewConfigurationDefaults) {
+TEST(LoadConfig, NeedsTheMarkerAndFallsBackOnUnreadableFields) {
     MainWindow m;
-    m.SeedFirstRun();
-    SeedClan(m.t, "TeamDM", {"dm01"});
-    m.t.Put("CLAN", "maxplayers", "99");
-    m.t.Put("CLAN", "maxtime", "soon");
-    m.t.Put("CLAN", "teamdamage", "maybe");
-    m.t.Put("CLAN", "balance", "");
-    m.t.Put("CLAN", "mapcount", "40000"); // one map stored: loading stops there
-    m.Load();
-    m.app.CurrentConf = "CLAN";
-    LoadConfig(*m.w);
-    EXPECT_EQ(m.ui().MaxPlayers->currentText(), "16");
-    EXPECT_EQ(m.ui().MaxTime->currentText(), "30");
-    EXPECT_EQ(m.ui().TeamDamage->currentText(), "False");
-    EXPECT_EQ(m.ui().Balance->currentText(), "True");
-    EXPECT_EQ(m.Maps(), QStringList{"dm01"});
-    EXPECT_EQ(m.app.gametype, "TeamDM");
-}
-
-TEST(LoadConfig, DoesNothingWithoutTheMarker) {
-    MainWindow m;
-    m.SeedFirstRun();
-    SeedClan(m.t, "DM", {"dm01"});
-    m.t.Put("CLAN", "default", "yes");
-    m.Load();
+    // With the second map missing, loading stops there.
+    WithClan(m, "default=yes;gametype=TeamDM;maxplayers=99;maxtime=soon;teamdamage=maybe;"
+                "balance=;map1=;mapcount=40000");
     const QString before = m.Text();
     m.app.Saved = "yes";
     m.app.CurrentConf = "CLAN";
     LoadConfig(*m.w);
     EXPECT_EQ(m.Text(), before);
     EXPECT_EQ(m.app.Saved, "yes");
-    EXPECT_EQ(m.app.gametype, "CTF");
+
+    m.t.Put("CLAN", "default", "1");
+    LoadConfig(*m.w);
+    auto& ui = m.ui();
+    EXPECT_EQ(QStringList({ui.MaxPlayers->currentText(), ui.MaxTime->currentText(),
+                           ui.TeamDamage->currentText(), ui.Balance->currentText()}),
+              QStringList({"16", "30", "False", "True"}));
+    EXPECT_EQ(m.Maps(), QStringList{"ctf01"});
+    EXPECT_EQ(m.app.gametype, "TeamDM");
 }
 
-TEST(LoadConfig, DiscardsUnsavedEditsWithoutAsking) {
+TEST(SaveConfig, AsksThenRewritesTheWholeSectionOrWritesNothing) {
     MainWindow m;
-    m.SeedFirstRun();
-    m.Load();
-    QTest::keyClicks(m.ui().TXTServName, " edited");
+    WithClan(m).ui().LSTConfig->setCurrentIndex(1);
     CMDLoad_Click(*m.w);
-    EXPECT_EQ(m.ui().TXTServName->text(), "$Me's Dedicated CTF Running Hostwarden 2.0");
-    EXPECT_TRUE(m.t.messages.shown.isEmpty());
-}
+    delete m.ui().LSTMaps->takeItem(0);
+    m.ui().TXTPassword->setText("secret");
+    const MessageRequest question{"Are you sure you want to modify CLAN?", "Save Configuration",
+                                  MsgButtons::YesNo, MsgIcon::Critical, MsgDefault::Second};
+    const int writes = m.t.store.writes;
+    m.t.messages.answers = {MsgAnswer::No};
+    CMDSave_Click(*m.w);
+    EXPECT_EQ(m.t.messages.shown, QList{question});
+    EXPECT_EQ(m.t.store.writes, writes);
+    EXPECT_EQ(m.app.Saved, "no");
+    EXPECT_EQ(m.t.beeper.beeps, 0);
 
-TEST(ConfigList, SelectingAnEntryOnlyChangesCurrentConf) {
-    MainWindow m;
-    m.SeedFirstRun();
-    SeedClan(m.t, "DM", {"dm01"});
-    m.Load();
-    const QString shown = m.Text();
-    m.ui().LSTConfig->setCurrentIndex(1);
-    EXPECT_EQ(m.app.CurrentConf, "CLAN");
-    EXPECT_EQ(m.Text(), shown);
-    // Typing into the list's edit field selects nothing.
-    m.ui().LSTConfig->setEditText("SOMETHING");
-    EXPECT_EQ(m.app.CurrentConf, "CLAN");
-}
-
-TEST(SaveConfig, RewritesTheSectionSoRemovedMapsLeaveNoKeys) {
-    MainWindow m;
-    m.SeedFirstRun();
-    SeedClan(m.t, "CTF", {"ctf01", "ctf02", "ctf03"});
-    m.Load();
-    m.ui().LSTConfig->setCurrentIndex(1);
-    CMDLoad_Click(*m.w);
-    delete m.ui().LSTMaps->takeItem(1);
     m.t.messages.answers = {MsgAnswer::Yes};
     CMDSave_Click(*m.w);
-    EXPECT_EQ(m.t.Get("CLAN", "mapcount"), "2");
-    EXPECT_EQ(m.t.Get("CLAN", "map1"), "ctf03");
-    EXPECT_EQ(m.t.Get("CLAN", "map2"), "");
-    EXPECT_EQ(m.t.Get("CLAN", "teamdamage"), "True");
-    EXPECT_EQ(m.t.Get("CLAN", "falldamage"), "False");
-    EXPECT_EQ(m.t.Get("CLAN", "MessageOn"), "1");
-    EXPECT_EQ(m.t.Get("CLAN", "Mod"), "Rocketball");
-}
-
-TEST(SaveButton, AsksSavesAndTellsOrWritesNothing) {
-    for (const MsgAnswer answer : {MsgAnswer::Yes, MsgAnswer::No}) {
-        MainWindow m;
-        m.SeedFirstRun();
-        m.Load();
-        QTest::keyClicks(m.ui().TXTPassword, "secret");
-        ASSERT_EQ(m.app.Saved, "no");
-        const int writes = m.t.store.writes;
-        m.t.messages.answers = {answer};
-        CMDSave_Click(*m.w);
-
-        const MessageRequest question{"Are you sure you want to modify DEFAULT?",
-                                      "Save Configuration", MsgButtons::YesNo, MsgIcon::Critical,
-                                      MsgDefault::Second};
-        ASSERT_GE(m.t.messages.shown.size(), 1);
-        EXPECT_EQ(m.t.messages.shown[0], question);
-        if (answer == MsgAnswer::No) {
-            EXPECT_EQ(m.t.messages.shown.size(), 1);
-            EXPECT_EQ(m.t.store.writes, writes);
-            EXPECT_EQ(m.app.Saved, "no");
-            EXPECT_EQ(m.t.beeper.beeps, 0);
-            continue;
-        }
-        ASSERT_EQ(m.t.messages.shown.size(), 2);
-        EXPECT_EQ(m.t.messages.shown[1],
-                  (MessageRequest{"DEFAULT Configuration Saved.", "Configuration Saved",
-                                  MsgButtons::OK, MsgIcon::Information, MsgDefault::First}));
-        EXPECT_EQ(m.t.beeper.beeps, 1);
-        EXPECT_EQ(m.app.Saved, "yes");
-        EXPECT_EQ(m.t.Get("DEFAULT", "password"), "secret");
-        // Saved under the list's name, where the first run wrote "Default".
-        EXPECT_EQ(m.t.Get("Default", "name"), "DEFAULT");
-        EXPECT_EQ(m.ui().TXTConfName->text(), "DEFAULT");
-        EXPECT_TRUE(m.Text().contains("$Name:           \"DEFAULT\"\r\n"));
-    }
+    const MessageRequest notice{"CLAN Configuration Saved.", "Configuration Saved", MsgButtons::OK,
+                                MsgIcon::Information, MsgDefault::First};
+    EXPECT_EQ(m.t.messages.shown, (QList{question, question, notice}));
+    EXPECT_EQ(m.t.beeper.beeps, 1);
+    EXPECT_EQ(m.app.Saved, "yes");
+    // Rewritten from scratch, so no key of the removed map is left behind.
+    EXPECT_EQ(m.t.store.Dump(kAppName, "CLAN").join(';').toStdString(),
+              "gametype=CTF;servname=Clan Night;name=CLAN;maxplayers=8;password=secret;"
+              "rconpass=rc;maxtime=20;maxcaps=3;maxkills=25;maxgeo=64;teamdamage=True;"
+              "forcespawn=True;balance=False;weaponstay=True;falldamage=False;map0=ctf05;"
+              "map1=ctf01;mapcount=2;default=1;Mod=Rocketball;Text0=hello;Text1=;"
+              "Text2=third;Text3=;MessageOn=1");
 }
 
 TEST(ConfigName, TypedSpacesAreDiscarded) {
     MainWindow m;
-    m.SeedFirstRun();
-    m.Load();
+    m.Start();
     m.ui().TXTConfName->setReadOnly(false); // as if it took typing
     m.ui().TXTConfName->clear();
     QTest::keyClicks(m.ui().TXTConfName, "A B C");

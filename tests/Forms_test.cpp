@@ -1,5 +1,6 @@
-// Checks what an operator notices in every window's form: captions that fit and can be read,
-// where the keyboard focus starts, Enter pressing only the focused button, and no resizing.
+// What an operator notices in every window's form: captions that fit and can be read, where
+// the keyboard focus starts, Enter pressing only the focused button, no resizing, and fields
+// that stop at the length the store keeps.
 #include "ui_About.h"
 #include "ui_Browse.h"
 #include "ui_CopyConfig.h"
@@ -16,20 +17,14 @@
 #include <QStyleOptionButton>
 #include <QStyleOptionComboBox>
 #include <QTest>
-#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
-#include <vector>
-
-void PrintTo(const QString& value, std::ostream* os) {
-    *os << '"' << value.toStdString() << '"';
-}
 
 namespace {
 
-// Room a push button needs around its caption inside the style's contents rectangle.
+// Room a push button needs around its caption inside the style's contents rectangle, and a
+// line edit on each side of its text.
 constexpr int kButtonMargin = 2;
-// A line edit keeps this much room on each side of its text.
 constexpr int kLineEditMargin = 2;
 
 template <class Form> std::unique_ptr<QWidget> make() {
@@ -40,207 +35,138 @@ template <class Form> std::unique_ptr<QWidget> make() {
 
 struct Window {
     const char* name;
-    std::function<std::unique_ptr<QWidget>()> make;
-    std::vector<const char*> focusOrder; // the start of the keyboard focus order
+    std::unique_ptr<QWidget> (*make)();
+    QStringList focusOrder;                  // its start: where the focus goes first, then Tab
+    QList<QPair<const char*, int>> max = {}; // fields and the length the store keeps
 };
 
 // clang-format off
-const std::vector<Window> kWindows = {
+const QList<Window> kWindows = {
     {"Hostwarden", make<Ui::Hostwarden>, {"OPTCTF", "OPTDM", "OPTTDM", "TXTConfName", "TXTServName",
-                                          "TXTPassword", "TXTRconPass", "CMDLaunch", "CMDAbout"}},
+                                          "TXTPassword", "TXTRconPass", "CMDLaunch", "CMDAbout"},
+                                         {{"TXTMess_0", 255}, {"TXTMess_3", 255}}},
     {"Setup", make<Ui::Setup>, {"TXTRFLocate"}},
     {"Browse", make<Ui::Browse>, {"Drive1"}},
     {"ShippedMaps", make<Ui::ShippedMaps>, {"LSTSHMaps"}},
     {"About", make<Ui::About>, {"CMDOK"}},
     {"Mods", make<Ui::Mods>, {"LSTMod"}},
-    {"NewConf", make<Ui::NewConf>, {"TXTNewName"}},
-    {"CopyConfig", make<Ui::CopyConfig>, {"CMDCancel"}},
+    {"NewConf", make<Ui::NewConf>, {"TXTNewName"}, {{"TXTNewName", 16}}},
+    {"CopyConfig", make<Ui::CopyConfig>, {"CMDCancel"}, {{"TXTNewName", 16}}},
     {"Text_Rate", make<Ui::Text_Rate>, {"SlideTextRate"}},
     {"MsgRate", make<Ui::MsgRate>, {"SLDMsgRate"}},
 };
 // clang-format on
 
+// The caption a control shows on one line, if it has one.
 QString captionOf(const QWidget* w) {
-    return w->property("text").toString();
+    auto* label = qobject_cast<const QLabel*>(w);
+    if (label && !label->wordWrap())
+        return label->text();
+    return qobject_cast<const QAbstractButton*>(w) ? w->property("text").toString() : QString();
 }
 
-QList<QWidget*> controlsOf(QWidget* window) {
-    return window->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
-}
-
-void PrintTo(const Window& f, std::ostream* os) {
-    *os << f.name;
-}
-
-class Forms : public testing::TestWithParam<Window> {};
-
-TEST_P(Forms, FixedSizeAndEnterPressesOnlyTheFocusedButton) {
-    auto window = GetParam().make();
-    EXPECT_FALSE(window->minimumSize().isEmpty());
-    EXPECT_EQ(window->minimumSize(), window->maximumSize()) << "the window cannot be resized";
-    for (auto* button : window->findChildren<QPushButton*>())
-        EXPECT_FALSE(button->isDefault() || button->autoDefault())
-            << button->objectName().toStdString();
-}
-
-TEST_P(Forms, FocusGoesFirstWhereTheOperatorStarts) {
-    const Window& f = GetParam();
-    auto window = f.make();
-    QStringList order, prefix(f.focusOrder.begin(), f.focusOrder.end());
-    for (QWidget* w = window->nextInFocusChain(); w != window.get(); w = w->nextInFocusChain())
-        if (w->parentWidget() == window.get() && (w->focusPolicy() & Qt::TabFocus) &&
-            !order.contains(w->objectName()))
-            order << w->objectName();
-    EXPECT_EQ(order.mid(0, prefix.size()), prefix);
-
-    window->show();
-    window->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    ASSERT_NE(QApplication::focusWidget(), nullptr);
-    EXPECT_EQ(QApplication::focusWidget()->objectName(), f.focusOrder.front());
-}
-
-INSTANTIATE_TEST_SUITE_P(AllWindows, Forms, testing::ValuesIn(kWindows),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-TEST(Forms, TypingStopsAtTheLengthTheStoreKeeps) {
-    const struct {
-        std::function<std::unique_ptr<QWidget>()> make;
-        const char* field;
-        int limit;
-    } rows[] = {{make<Ui::NewConf>, "TXTNewName", 16},
-                {make<Ui::CopyConfig>, "TXTNewName", 16},
-                {make<Ui::Hostwarden>, "TXTMess_0", 255},
-                {make<Ui::Hostwarden>, "TXTMess_3", 255}};
-    for (const auto& row : rows) {
-        auto window = row.make();
-        auto* edit = window->findChild<QLineEdit*>(row.field);
-        ASSERT_NE(edit, nullptr) << row.field;
-        edit->clear();
-        QTest::keyClicks(edit, QString(row.limit + 1, 'x'));
-        EXPECT_EQ(edit->text().size(), row.limit)
-            << window->objectName().toStdString() << "." << row.field;
-    }
-}
-
-TEST(Forms, TheBannerAndIconShow) {
-    auto window = make<Ui::Hostwarden>();
-    EXPECT_FALSE(window->findChild<QLabel*>("Image1")->pixmap().isNull());
-    EXPECT_FALSE(window->windowIcon().isNull());
-}
-
-// Where a caption's text is drawn inside its widget, in the widget's coordinates.
+// Where a caption's text is drawn, in the window's coordinates.
 QRect captionArea(QWidget* w) {
-    const QString text = captionOf(w);
-    const QFontMetrics fm(w->font());
-    QRect contents;
+    QRect contents = w->contentsRect();
     Qt::Alignment align = Qt::AlignLeft | Qt::AlignVCenter;
     if (auto* label = qobject_cast<QLabel*>(w)) {
-        contents = label->contentsRect();
         align = label->alignment();
     } else {
         QStyleOptionButton opt;
         opt.initFrom(w);
-        opt.text = text;
-        const auto element = qobject_cast<QPushButton*>(w) ? QStyle::SE_PushButtonContents
-                             : qobject_cast<QCheckBox*>(w) ? QStyle::SE_CheckBoxContents
-                                                           : QStyle::SE_RadioButtonContents;
-        contents = w->style()->subElementRect(element, &opt, w);
-        if (qobject_cast<QPushButton*>(w)) {
+        opt.text = captionOf(w);
+        const bool button = qobject_cast<QPushButton*>(w);
+        contents = w->style()->subElementRect(button ? QStyle::SE_PushButtonContents
+                                              : qobject_cast<QCheckBox*>(w)
+                                                  ? QStyle::SE_CheckBoxContents
+                                                  : QStyle::SE_RadioButtonContents,
+                                              &opt, w);
+        if (button) {
             contents.adjust(kButtonMargin, 0, -kButtonMargin, 0);
             align = Qt::AlignCenter;
         }
     }
-    const QSize size(fm.horizontalAdvance(text), fm.height());
-    return QStyle::alignedRect(Qt::LeftToRight, align, size, contents);
-}
-
-bool hasCaption(QWidget* w) {
-    auto* label = qobject_cast<QLabel*>(w);
-    if (label && (label->text().isEmpty() || label->wordWrap()))
-        return false;
-    return label || qobject_cast<QAbstractButton*>(w);
-}
-
-// What a control paints over whatever lies beneath it.
-QRect coverOf(QWidget* w) {
-    if (qobject_cast<QFrame*>(w) && w->metaObject()->className() == QByteArray("QFrame"))
-        return {};
-    if (hasCaption(w) && !qobject_cast<QPushButton*>(w)) {
-        QRect cover = captionArea(w).translated(w->pos());
-        return cover.united(QRect(w->x(), cover.top(), cover.left() - w->x(), cover.height()));
-    }
-    return w->geometry();
+    const QFontMetrics fm(w->font());
+    const QSize size(fm.horizontalAdvance(captionOf(w)), fm.height());
+    return QStyle::alignedRect(Qt::LeftToRight, align, size, contents).translated(w->pos());
 }
 
 // Every reason a caption of the window would show cut off, one line each.
 QStringList captionsCutOff(QWidget* window) {
     QStringList faults;
-    const QList<QWidget*> controls = controlsOf(window);
+    auto controls = window->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    // Plain frames only draw the lines that divide a window; they hide no caption.
+    controls.removeIf(
+        [](QWidget* w) { return w->metaObject()->className() == QByteArray("QFrame"); });
     for (qsizetype i = 0; i < controls.size(); ++i) {
         QWidget* w = controls[i];
-        const QString where = window->objectName() + "." + w->objectName();
-        auto fault = [&](const char* what, const auto&... args) {
-            QString text = where + ": " + what;
-            ((text = text.arg(args)), ...);
-            faults << text;
-        };
+        const QString where = w->objectName() + ": ", caption = captionOf(w);
+        const QFontMetrics fm(w->font());
         auto* label = qobject_cast<QLabel*>(w);
-        if (label && label->wordWrap()) {
-            if (const int needed = label->heightForWidth(label->width()); needed > label->height())
-                fault("wrapped text needs %1 px of height, has %2", needed, label->height());
-            continue;
-        }
+        if (label && label->wordWrap() && label->heightForWidth(label->width()) > label->height())
+            faults << where + "wrapped text needs more height";
         if (auto* combo = qobject_cast<QComboBox*>(w); combo && combo->isEditable()) {
             QStyleOptionComboBox opt;
             opt.initFrom(combo);
             opt.editable = true;
-            opt.frame = combo->hasFrame();
-            const int field =
-                combo->style()
-                    ->subControlRect(QStyle::CC_ComboBox, &opt, QStyle::SC_ComboBoxEditField, combo)
-                    .width();
-            const int needed = QFontMetrics(combo->font()).horizontalAdvance(combo->currentText()) +
-                               2 * kLineEditMargin;
-            if (needed > field)
-                fault("\"%1\" needs %2 px of the edit field, has %3", combo->currentText(), needed,
-                      field);
-            continue;
+            const QRect field = combo->style()->subControlRect(QStyle::CC_ComboBox, &opt,
+                                                               QStyle::SC_ComboBoxEditField, combo);
+            if (fm.horizontalAdvance(combo->currentText()) + 2 * kLineEditMargin > field.width())
+                faults << where + combo->currentText() + " is wider than its field";
         }
-        if (!hasCaption(w))
+        if (caption.isEmpty())
             continue;
         const QRect area = captionArea(w);
-        const bool button = qobject_cast<QPushButton*>(w);
-        const int left = button  ? kButtonMargin
-                         : label ? label->contentsRect().left()
-                                 : area.left();
-        const int right = w->width() - 1 - (button ? kButtonMargin : 0);
-        if (area.left() < left || area.right() > right)
-            fault("\"%1\" needs %2 px of width, has %3", captionOf(w), area.width(),
-                  right - std::max(area.left(), left) + 1);
-        if (const int fontHeight = QFontMetrics(w->font()).height(); fontHeight > w->height())
-            fault("font is %1 px high, the control %2", fontHeight, w->height());
+        const int margin = qobject_cast<QPushButton*>(w) ? kButtonMargin : 0;
+        if (area.left() < w->x() + margin || area.right() >= w->x() + w->width() - margin)
+            faults << where + caption + " is wider than its control";
+        if (fm.height() > w->height())
+            faults << where + "the font is higher than the control";
         // Controls created later lie on top of this one.
-        for (qsizetype j = i + 1; j < controls.size(); ++j)
-            if (coverOf(controls[j]).intersects(area.translated(w->pos())))
-                fault("\"%1\" lies under %2", captionOf(w), controls[j]->objectName());
+        for (QWidget* above : controls.mid(i + 1))
+            if (above->geometry().intersects(area))
+                faults << where + caption + " lies under " + above->objectName();
     }
     return faults;
 }
 
-TEST(Forms, NoCaptionIsCutOffAtTheApplicationFont) {
-    // DejaVu Sans is a wide face: at 7 points every caption fits; at 7.5 "Game Password:" and
-    // "Original Name:" are cut off, at 8 a dozen more and the "Combo1" of every narrow drop-down.
+TEST(Forms, WhatTheOperatorSeesInEveryWindow) {
+    // DejaVu Sans is a wide face: at 7 points every caption fits; at 7.5 "Game Password:",
+    // "Original Name:" and the "Combo1" of every narrow drop-down are cut off, at 8 a dozen more.
     ASSERT_EQ(QFontInfo(QApplication::font()).family(), "DejaVu Sans")
         << "the font the windows are laid out for is installed";
-    ASSERT_EQ(QApplication::font().pointSizeF(), 7);
-    QStringList faults;
-    for (const auto& f : kWindows) {
+    for (const Window& f : kWindows) {
+        SCOPED_TRACE(f.name);
         auto window = f.make();
         window->ensurePolished();
-        faults << captionsCutOff(window.get());
+        EXPECT_EQ(captionsCutOff(window.get()).join('\n').toStdString(), "");
+        EXPECT_FALSE(window->minimumSize().isEmpty());
+        EXPECT_EQ(window->minimumSize(), window->maximumSize()) << "the window cannot be resized";
+        for (auto* button : window->findChildren<QPushButton*>())
+            EXPECT_FALSE(button->isDefault() || button->autoDefault())
+                << button->objectName().toStdString();
+        for (const auto& [field, limit] : f.max) {
+            auto* edit = window->findChild<QLineEdit*>(field);
+            edit->clear();
+            QTest::keyClicks(edit, QString(limit + 1, 'x'));
+            EXPECT_EQ(edit->text().size(), limit) << field;
+        }
+
+        QStringList order;
+        for (QWidget* w = window->nextInFocusChain(); w != window.get(); w = w->nextInFocusChain())
+            if (w->parentWidget() == window.get() && (w->focusPolicy() & Qt::TabFocus) &&
+                !order.contains(w->objectName()))
+                order << w->objectName();
+        EXPECT_EQ(order.mid(0, f.focusOrder.size()), f.focusOrder);
+        window->show();
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        ASSERT_NE(QApplication::focusWidget(), nullptr);
+        EXPECT_EQ(QApplication::focusWidget()->objectName(), f.focusOrder.front());
     }
-    EXPECT_TRUE(faults.isEmpty()) << faults.join("\n").toStdString();
+    auto main = make<Ui::Hostwarden>();
+    EXPECT_FALSE(main->findChild<QLabel*>("Image1")->pixmap().isNull()) << "the banner shows";
+    EXPECT_FALSE(main->windowIcon().isNull());
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "MainWindow.h"
+#include "Texts.h"
 
 #include "ui/server/LaunchHandlers.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -10,222 +10,183 @@
 
 namespace {
 
-using Call = RecordingLauncher::Call;
-
 struct Launch : MainWindow {
-    Launch(const QString& gameDir = "C:\\Games\\RF\\") {
-        SeedFirstRun();
-        Load();
+    explicit Launch(const QString& gameDir = "C:\\Games\\RF\\") {
+        Start();
         app.GameDir = gameDir;
     }
 };
 
-} // namespace
+using Posts = QList<FakeWindowServices::Post>;
 
-TEST(Launch, CommandLineOfTheExampleOnWindowsAndLinuxPaths) {
-    QTemporaryDir dir;
-    // A Windows game path is only a file name here: the options file lands in the
-    // current folder, and the command line keeps the path as it is.
-    QDir::setCurrent(dir.path());
-    QDir(dir.path()).mkpath("games/rf");
-    const QString linuxDir = dir.path() + "/games/rf";
-    const struct {
-        QString gameDir;
-        QString program;
-        QString workingDirectory;
-    } rows[] = {
-        {"C:\\Games\\RF\\", "C:\\Games\\RF\\RF.EXE", "C:\\Games\\RF"},
-        {linuxDir + "/", linuxDir + "/RF.EXE", linuxDir},
-    };
-    for (const auto& row : rows) {
-        Launch m(row.gameDir);
-        const WindowHandle old = m.t.windows.Add("Red Faction Dedicated Server");
-        // The launch stores the configuration first, which gives it the list entry's
-        // name: the example's name "Default" is the entry of a list that holds it so.
-        m.app.CurrentConf = "Default";
-        m.ui().CHKGameTracker->setChecked(true);
-        m.ui().CHKPort->setChecked(true);
-        m.ui().TXTPort->setText("1234");
-        CMDLaunch_Click(*m.w);
-        ASSERT_EQ(m.t.launcher.calls.size(), 1) << row.gameDir.toStdString();
-        const Call& call = m.t.launcher.calls[0];
-        EXPECT_EQ(call.program, row.program);
-        EXPECT_EQ(call.parameters, "-dedicated Default -lanonly -port 1234");
-        EXPECT_EQ(call.workingDirectory, row.workingDirectory);
-        EXPECT_EQ(call.windowStyle, 1);
-        EXPECT_EQ(m.t.windows.posts,
-                  (QList<FakeWindowServices::Post>{{old, WM_CANCELMODE}, {old, WM_CLOSE}}));
-        EXPECT_EQ(m.w->Automation().ServerHandle(), 42);
-        EXPECT_TRUE(m.timer("TMRAdds")->isActive());
-    }
+MessageRequest ErrorBox(const QString& text, const QString& title, MsgIcon icon) {
+    return {text, title, MsgButtons::OK, icon, MsgDefault::First};
 }
 
-TEST(Launch, SwitchesFollowTheControls) {
+} // namespace
+
+TEST(Launch, CommandLineFollowsTheControls) {
+    QTemporaryDir dir;
+    const QString gameDir = dir.path() + "/";
     const struct {
         const char* what;
-        bool port;
-        const char* portText;
-        const char* mod;
-        const char* name;
-        const char* parameters; // null: refused with the message below
-        const char* message;
+        bool lanOnly, port;
+        QString portText, mod, name;
+        QString result; // the parameters, or the message of a refused launch
+        bool refused = false;
     } rows[] = {
-        {"port unchecked ignores the field", false, "12", "None", "A", "-dedicated A", nullptr},
-        {"three digits", true, "123", "None", "A", nullptr, "Invalid Port"},
-        {"empty port", true, "", "None", "A", nullptr,
-         "You must specify a local port number to use"},
-        {"four digits", true, "7755", "None", "A", "-dedicated A -port 7755", nullptr},
-        {"a mod", false, "", "Rocketball", "A", "-dedicated A -mod Rocketball", nullptr},
-        {"an empty mod still adds the switch", false, "", "", "A", "-dedicated A -mod ", nullptr},
-        {"mod is compared exactly", false, "", "none", "A", "-dedicated A -mod none", nullptr},
-        {"name with a blank, unquoted", false, "", "None", " My Server", "-dedicated  My Server",
-         nullptr},
+        // clang-format off
+        {"the worked example's switches", true, true, "1234", "None", "Default",
+         "-dedicated Default -lanonly -port 1234"},
+        {"port unchecked ignores the field", false, false, "12", "None", "A", "-dedicated A"},
+        {"three digits", false, true, "123", "None", "A", "Invalid Port", true},
+        {"empty port", false, true, "", "None", "A",
+         "You must specify a local port number to use", true},
+        {"an empty mod still adds the switch", false, false, "", "", "A", "-dedicated A -mod "},
+        {"mod is compared exactly", false, false, "", "none", "A", "-dedicated A -mod none"},
+        {"name with a blank, unquoted, and a mod", false, false, "", "Rocketball",
+         " My Server", "-dedicated  My Server -mod Rocketball"},
+        // clang-format on
     };
-    QTemporaryDir dir;
     for (const auto& row : rows) {
-        Launch m(dir.path() + "/");
+        SCOPED_TRACE(row.what);
+        Launch m(gameDir);
+        const WindowHandle old = m.t.windows.Add(texts::kServerTitle);
+        m.ui().CHKGameTracker->setChecked(row.lanOnly);
         m.ui().CHKPort->setChecked(row.port);
-        m.ui().TXTPort->setEnabled(true);
         m.ui().TXTPort->setText(row.portText);
         m.ui().TXTMod->setText(row.mod);
+        // Storing the configuration gives it the list entry's name.
         m.app.CurrentConf = row.name;
+        QFile::remove(gameDir + "dedicated_server.txt");
         m.w->ServerLaunched(7);
         m.timer("TMRAdds")->stop();
         CMDLaunch_Click(*m.w);
-        SCOPED_TRACE(row.what);
-        if (row.parameters) {
-            ASSERT_EQ(m.t.launcher.calls.size(), 1);
-            EXPECT_EQ(m.t.launcher.calls[0].parameters, row.parameters);
-            EXPECT_TRUE(m.t.messages.shown.isEmpty());
+        // Refused or not, the old console has been asked to close, the file written and
+        // the configuration stored.
+        EXPECT_EQ(m.t.windows.posts, (Posts{{old, WM_CANCELMODE}, {old, WM_CLOSE}}));
+        EXPECT_TRUE(QFile::exists(gameDir + "dedicated_server.txt"));
+        EXPECT_EQ(m.t.Get(row.name, "name"), row.name);
+        EXPECT_EQ(m.w->Automation().ServerHandle(), row.refused ? 0 : 42);
+        EXPECT_EQ(m.timer("TMRAdds")->isActive(), !row.refused);
+        if (row.refused) {
+            EXPECT_TRUE(m.t.launcher.calls.isEmpty());
+            EXPECT_EQ(m.t.messages.shown,
+                      QList{ErrorBox(row.result, "Config Error", MsgIcon::Critical)});
             continue;
         }
-        EXPECT_TRUE(m.t.launcher.calls.isEmpty());
-        ASSERT_EQ(m.t.messages.shown.size(), 1);
-        EXPECT_EQ(m.t.messages.shown[0],
-                  (MessageRequest{row.message, "Config Error", MsgButtons::OK, MsgIcon::Critical,
-                                  MsgDefault::First}));
-        // A refused launch has still closed the old console, written the file and
-        // stored the configuration.
-        EXPECT_EQ(m.w->Automation().ServerHandle(), 0);
-        EXPECT_TRUE(QFile::exists(dir.path() + "/dedicated_server.txt"));
-        EXPECT_EQ(m.t.Get(row.name, "name"), row.name);
-        EXPECT_FALSE(m.timer("TMRAdds")->isActive());
+        EXPECT_TRUE(m.t.messages.shown.isEmpty());
+        ASSERT_EQ(m.t.launcher.calls.size(), 1);
+        const RecordingLauncher::Call& call = m.t.launcher.calls[0];
+        EXPECT_EQ(call.program, gameDir + "RF.EXE");
+        EXPECT_EQ(call.parameters, row.result);
+        EXPECT_EQ(call.workingDirectory, gameDir.chopped(1));
+        EXPECT_EQ(call.windowStyle, 1);
     }
 }
 
 TEST(Launch, WritesTheOptionsBoxAsItStandsThenStoresTheConfiguration) {
-    // The file is written before the configuration is stored, the command line after:
-    // storing gives the configuration the name of its list entry.
     QTemporaryDir dir;
     Launch m(dir.path() + "/");
     m.ui().TXTSTat->appendPlainText("$Hand Edit: 1");
     m.ui().TXTPassword->setText("pw"); // rebuilds: the hand edit is gone
     m.ui().TXTSTat->appendPlainText("$Kept: 1");
-    const QString shown = m.Text();
-    ASSERT_TRUE(shown.contains("$Name:           \"Default\"\r\n"));
-    ASSERT_FALSE(shown.contains("$Hand Edit"));
     CMDLaunch_Click(*m.w);
     QFile file(dir.path() + "/dedicated_server.txt");
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), shown.toLatin1());
-    EXPECT_TRUE(shown.endsWith("$Kept: 1") || shown.contains("$Kept: 1\r\n"));
+    // Written before the configuration is stored: the name is still the first run's.
+    EXPECT_EQ(file.readAll(), QByteArray(texts::kFirstRunOptions)
+                                      .replace("$Password:       \"\"", "$Password:       \"pw\"") +
+                                  "\r\n$Kept: 1");
     ASSERT_EQ(m.t.launcher.calls.size(), 1);
     EXPECT_EQ(m.t.launcher.calls[0].parameters, "-dedicated DEFAULT");
     EXPECT_EQ(m.ui().TXTConfName->text(), "DEFAULT");
-    EXPECT_EQ(m.t.Get("DEFAULT", "password"), "pw");
+    EXPECT_TRUE(m.Text().contains("$Name:           \"DEFAULT\"\r\n"));
+    EXPECT_EQ(QStringList({m.t.Get("DEFAULT", "name"), m.t.Get("DEFAULT", "password")}),
+              QStringList({"DEFAULT", "pw"}));
     EXPECT_EQ(m.app.Saved, "yes");
 }
 
-TEST(Launch, FailedStartsAreReported) {
+TEST(Launch, FailuresAreReported) {
+    QTemporaryDir dir;
+    // A folder below a plain file cannot be made, not even by root.
+    QFile plain(dir.path() + "/plain");
+    ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
     const struct {
         const char* what;
+        QString gameDir;
         QList<std::int32_t> shell, commandLine;
         std::int32_t handle;
-        bool reported;
+        const char* title; // of the box that reports it, if one does
     } rows[] = {
-        {"no resources", {0}, {42}, 0, true},
-        {"small code, whole line starts", {2}, {42}, 2, false},
-        {"small code, whole line fails too", {2}, {2}, 0, true},
+        {"no resources", "/", {0}, {42}, 0, "Dedicated Server Error"},
+        {"small code, whole line starts", "/", {2}, {42}, 2, nullptr},
+        {"small code, whole line fails too", "/", {2}, {2}, 0, "Dedicated Server Error"},
+        {"unwritable options file", "/plain/", {}, {}, 0, "Options File Error"},
     };
-    QTemporaryDir dir;
     for (const auto& row : rows) {
-        Launch m(dir.path() + "/");
+        SCOPED_TRACE(row.what);
+        Launch m(dir.path() + row.gameDir);
         m.t.launcher.shellResults = row.shell;
         m.t.launcher.commandLineResults = row.commandLine;
         CMDLaunch_Click(*m.w);
-        SCOPED_TRACE(row.what);
         EXPECT_EQ(m.w->Automation().ServerHandle(), row.handle);
-        EXPECT_EQ(m.timer("TMRAdds")->isActive(), !row.reported);
-        ASSERT_EQ(m.t.messages.shown.size(), row.reported ? 1 : 0);
-        if (row.reported) {
-            EXPECT_EQ(m.t.messages.shown[0],
-                      (MessageRequest{"RedFaction Dedicated Server Filed to Launch",
-                                      "Dedicated Server Error", MsgButtons::OK, MsgIcon::None,
-                                      MsgDefault::First}));
+        EXPECT_EQ(m.timer("TMRAdds")->isActive(), !row.title);
+        ASSERT_EQ(m.t.messages.shown.size(), row.title ? 1 : 0);
+        if (!row.title)
+            continue;
+        const MessageRequest& box = m.t.messages.shown[0];
+        if (box.title == "Options File Error") {
+            EXPECT_TRUE(m.t.launcher.calls.isEmpty());
+            EXPECT_TRUE(box.text.endsWith("\r\nThe server was not started."))
+                << box.text.toStdString();
+            EXPECT_EQ(box, ErrorBox(box.text, row.title, MsgIcon::Critical));
+            continue;
         }
+        EXPECT_EQ(
+            box, ErrorBox("RedFaction Dedicated Server Filed to Launch", row.title, MsgIcon::None));
     }
 }
 
-TEST(Launch, UnwritableOptionsFileStopsTheLaunch) {
-    Launch m("/nonexistent/hostwarden/");
-    CMDLaunch_Click(*m.w);
-    EXPECT_TRUE(m.t.launcher.calls.isEmpty());
-    ASSERT_EQ(m.t.messages.shown.size(), 1);
-    const MessageRequest& box = m.t.messages.shown[0];
-    EXPECT_TRUE(box.text.endsWith("\r\nThe server was not started.")) << box.text.toStdString();
-    EXPECT_EQ(box, (MessageRequest{box.text, "Options File Error", MsgButtons::OK,
-                                   MsgIcon::Critical, MsgDefault::First}));
-    EXPECT_EQ(m.w->Automation().ServerHandle(), 0);
-}
-
 TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {
-    const MessageRequest first{"This will end the Hostwarden and Red Faction Dedicated Server "
-                               "Sessions, Do you wish to continue?",
-                               "Save and exit or just exit", MsgButtons::YesNo,
-                               MsgIcon::Information, MsgDefault::Second};
-    const MessageRequest second{"Property values have changed?\r\nYes = Save and Exit.\r\nNo = "
-                                "Just Exit",
-                                "Save and exit or just exit", MsgButtons::YesNo,
-                                MsgIcon::Information, MsgDefault::Second};
+    const auto question = [](const char* text) {
+        return MessageRequest{text, "Save and exit or just exit", MsgButtons::YesNo,
+                              MsgIcon::Information, MsgDefault::Second};
+    };
+    const QList boxes{question("This will end the Hostwarden and Red Faction Dedicated Server "
+                               "Sessions, Do you wish to continue?"),
+                      question("Property values have changed?\r\nYes = Save and Exit.\r\nNo = "
+                               "Just Exit")};
+    using enum MsgAnswer;
     const struct {
         const char* what;
         QString saved;
-        QList<MsgAnswer> answers;
-        int boxes;
+        QList<MsgAnswer> answers; // one a box
         bool ends, stored, console = true;
     } rows[] = {
-        {"No leaves everything running", "no", {MsgAnswer::No}, 1, false, false},
-        {"saved: one question", "yes", {MsgAnswer::Yes}, 1, true, false},
-        {"empty flag counts as saved", "", {MsgAnswer::Yes}, 1, true, false},
-        {"changed, just exit", "no", {MsgAnswer::Yes, MsgAnswer::No}, 2, true, false},
-        {"changed, save and exit",
-         "no",
-         {MsgAnswer::Yes, MsgAnswer::Yes, MsgAnswer::Yes, MsgAnswer::OK},
-         4,
-         true,
-         true},
-        {"no console: nothing to close", "yes", {MsgAnswer::Yes}, 1, true, false, false},
+        // clang-format off
+        {"No leaves everything running", "no", {No}, false, false},
+        {"saved: one question", "yes", {Yes}, true, false},
+        {"empty flag counts as saved", "", {Yes}, true, false},
+        {"changed, just exit", "no", {Yes, No}, true, false},
+        {"changed, save and exit", "no", {Yes, Yes, Yes, OK}, true, true},
+        {"no console: nothing to close", "yes", {Yes}, true, false, false},
+        // clang-format on
     };
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
         Launch m;
-        const WindowHandle console =
-            row.console ? m.t.windows.Add("Red Faction Dedicated Server") : 0;
+        const WindowHandle console = row.console ? m.t.windows.Add(texts::kServerTitle) : 0;
         m.ui().TXTPassword->setText("changed");
         m.app.Saved = row.saved;
         m.t.messages.answers = row.answers;
         CMDExit_Click(*m.w);
-        SCOPED_TRACE(row.what);
-        ASSERT_EQ(m.t.messages.shown.size(), row.boxes);
-        EXPECT_EQ(m.t.messages.shown[0], first);
-        if (row.boxes > 1) {
-            EXPECT_EQ(m.t.messages.shown[1], second);
-        }
+        ASSERT_EQ(m.t.messages.shown.size(), row.answers.size());
+        EXPECT_EQ(m.t.messages.shown.mid(0, 2), boxes.mid(0, row.answers.size()));
         EXPECT_EQ(m.t.end.ended, row.ends ? 1 : 0);
         EXPECT_EQ(m.t.beeper.beeps, row.ends ? (row.stored ? 2 : 1) : 0);
-        EXPECT_EQ(m.t.windows.posts.size(), row.ends && row.console ? 2 : 0);
-        if (row.ends && row.console) {
-            EXPECT_EQ(m.t.windows.posts.last(), (FakeWindowServices::Post{console, WM_CLOSE}));
-        }
+        const Posts closed{{console, WM_CANCELMODE}, {console, WM_CLOSE}};
+        EXPECT_EQ(m.t.windows.posts, row.ends && row.console ? closed : Posts());
         EXPECT_EQ(m.t.Get("DEFAULT", "password"), row.stored ? "changed" : "");
     }
 }

@@ -15,14 +15,13 @@
 
 #include <memory>
 
-// A main window over doubles, loaded the way start-up loads it.
+// A main window over doubles, loaded the way start-up loads it: seed the store, then Load().
 struct MainWindow {
     TestServices t;
     AppState app;
     WindowRegistry forms;
     std::unique_ptr<Hostwarden> w;
 
-    // Seeds nothing: call Seed* first, then Load().
     MainWindow() {
         app.AppName = kAppName;
         t.windows.mainWindow = 1;
@@ -39,9 +38,15 @@ struct MainWindow {
         return *w;
     }
 
+    // A first run's main window, as the operator first sees it.
+    MainWindow& Start() {
+        SeedFirstRun();
+        Load();
+        return *this;
+    }
+
     Ui::Hostwarden& ui() { return *w->ui; }
     QTimer* timer(const char* name) { return w->findChild<QTimer*>(QLatin1String(name)); }
     QString Text() const { return OptionsText(*w); }
     QStringList Maps() const { return MapList(*w); }
-    void AddMaps(const QStringList& maps) { w->ui->LSTMaps->addItems(maps); }
 };
