@@ -1,7 +1,6 @@
-// The automatic messages as the server sees them: the real program launches the stand-in
-// server and types its chat lines into the server's console window, at the message interval
-// and at the text rate; it restarts a server that died when asked to, and keeps the console
-// in front while an operator works in another window.
+// The automatic messages as the stand-in server sees them: its chat lines typed into its
+// console at the message interval and the text rate, a server that died started again, the
+// console kept in front while an operator works in another window.
 #include "Journey.h"
 
 #include <QFile>
@@ -22,11 +21,9 @@ const QStringList kBatch = {"say hello one", "say third box"};
 constexpr int kSecondMs = 20, kIntervalMs = 180 * kSecondMs;
 constexpr auto kInterval = std::chrono::milliseconds(kIntervalMs);
 
-// How far one typed character may land from the text rate. The typist's timer keeps to its
-// interval within 5 % (at 110 ms its ticks come 105, 105, 115 ms apart), and each gap is
-// measured in another process (the server stamps a key when its event loop gets to it), so a
-// gap is also off by two scheduling delays. 15 ms covers that on a busy two-core machine while
-// still telling 50 ms from 110 ms, or one character per tick from two.
+// How far one typed character may land from the text rate: the typist's timer keeps within 5 %
+// of its interval, and the server stamps each key when its event loop gets to it. 15 ms still
+// tells 50 ms from 110 ms, or one character per tick from two.
 constexpr qint64 kKeyJitterMs = 15;
 
 class TextRate : public Journey, public testing::WithParamInterface<int> {};
@@ -45,11 +42,11 @@ TEST_P(TextRate, BatchesArriveEveryIntervalInBoxOrderAtTheTextRate) {
     ASSERT_TRUE(WaitForTranscript(4, 30s)) << Transcript().join(" | ");
     EXPECT_EQ(Transcript(), kBatch + kBatch);
 
+    EXPECT_EQ(KeyTexts().mid(0, 4), kBatch + kBatch);
     const auto lines = KeyLines();
     ASSERT_GE(lines.size(), 4u);
     for (std::size_t i = 0; i < 4; ++i) {
         SCOPED_TRACE("line " + std::to_string(i + 1));
-        EXPECT_EQ(lines[i].text, Transcript().value(int(i)));
         std::vector<qint64> gaps;
         for (std::size_t k = 1; k < lines[i].ms.size(); ++k)
             gaps.push_back(lines[i].ms[k] - lines[i].ms[k - 1]);
@@ -70,9 +67,7 @@ TEST_P(TextRate, BatchesArriveEveryIntervalInBoxOrderAtTheTextRate) {
         EXPECT_LE(pause, 2 * rate + kSecondMs + 3 * kKeyJitterMs) << "before line " << i + 1;
     }
     // From batch to batch: the interval, give or take where the dispatcher and the typist
-    // stood when each batch was queued. Ticks never come late by more than their own
-    // interval without the timer skipping them, so lateness on a loaded machine only adds;
-    // 10 % of the interval bounds it.
+    // stood when each batch was queued; a loaded machine only makes ticks late.
     const qint64 batchGap = lines[2].ms.front() - lines[0].ms.front();
     EXPECT_GE(batchGap, kIntervalMs - kSecondMs - rate - kKeyJitterMs);
     EXPECT_LE(batchGap, kIntervalMs * 110 / 100);
@@ -80,16 +75,14 @@ TEST_P(TextRate, BatchesArriveEveryIntervalInBoxOrderAtTheTextRate) {
 
 INSTANTIATE_TEST_SUITE_P(Rates, TextRate, testing::Values(110, 50));
 
-// SLOW: about three real minutes. The one run at the shipped timing: real seconds and the
-// default three-minute interval, so nothing of the short test timing hides a wrong unit or
-// a wrong default.
+// SLOW: about three real minutes. The one run at real seconds and the default interval, so
+// the short test timing hides no wrong unit or default.
 TEST_F(Journey, SlowTheFirstLineComesThreeRealMinutesAfterLaunch) {
     ASSERT_NO_FATAL_FAILURE(StartMain({.messages = kTwoMessages}));
     ASSERT_TRUE(ClickMain("CMDLaunch"));
     const auto launched = Clock::now();
     ASSERT_TRUE(desktop_.WaitFor(kServerTitle));
-    // 180 s of countdown, up to one more second for the dispatcher, then "say hello one"
-    // and Enter at the default 110 ms a key.
+    // 180 s, a second for the dispatcher, "say hello one" and Enter at 110 ms a key.
     const auto typing = std::chrono::milliseconds(14 * 110);
     ASSERT_TRUE(WaitForTranscript(1, 200s + typing));
     const auto firstLine = Clock::now() - launched;
@@ -149,10 +142,7 @@ TEST_P(Recovery, AServerThatDiedIsStartedAgainAndTheMessagesGoOn) {
         << Transcript().join(" | ");
     EXPECT_FALSE(boxShown);
     EXPECT_EQ(Transcript(), kBatch + kBatch);
-    const auto lines = KeyLines(); // the new server's own key log
-    ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[0].text, kBatch[0]);
-    EXPECT_EQ(lines[1].text, kBatch[1]);
+    EXPECT_EQ(KeyTexts(), kBatch); // the new server's own key log
     EXPECT_TRUE(hostwarden_.IsRunning());
 }
 
@@ -200,14 +190,12 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     // On failure, go on to the other window: what it caught tells where the keys went.
     EXPECT_TRUE(WaitForTranscript(1, 30s)) << "the line never ended";
     EXPECT_EQ(Transcript(), QStringList{"say " + message});
-    const auto lines = KeyLines();
-    EXPECT_EQ(lines.size(), 1u);
-    EXPECT_EQ(lines.empty() ? QString() : lines[0].text, "say " + message) << "keys the server saw";
+    EXPECT_EQ(KeyTexts(), QStringList{"say " + message}) << "keys the server saw";
 
     // Anything typed into the other window would sit in its terminal line until a line
     // end; our own probe and its Return flush it out together.
     ASSERT_TRUE(desktop_.Activate(*otherId));
-    ASSERT_EQ(desktop_.Run("xdotool", {"type", "probe"}).exitCode, 0);
+    ASSERT_TRUE(desktop_.Run("xdotool", {"type", "probe"}));
     ASSERT_TRUE(desktop_.Key("Return"));
     EXPECT_TRUE(WaitUntil([&] { return ReadFile(other).endsWith('\n'); }, 10s));
     EXPECT_EQ(ReadFile(other), "probe\n");

@@ -35,7 +35,8 @@ TEST_F(Journey, FirstRunWarningSetupAndALaterStart) {
     ASSERT_TRUE(main_) << "Setup's OK did not lead on; windows: " << Windows();
     EXPECT_TRUE(desktop_.WaitGone(*setup)) << "Setup stays after its OK";
     EXPECT_TRUE(desktop_.Run("xwininfo", {"-id", QString::number(main_)})
-                    .out.contains(QRegularExpression("Width: 791\\s+Height: 504")))
+                    .value_or("")
+                    .contains(QRegularExpression("Width: 791\\s+Height: 504")))
         << "not the form's size";
     const QStringList startup = Section("Startup"), defaults = Section("Default");
     EXPECT_TRUE(startup.contains("HasRunSetup=1")) << startup.join('\n');
@@ -66,7 +67,8 @@ TEST_F(Journey, FirstRunWarningSetupAndALaterStart) {
     main_ = desktop_.Find(kMainTitle).value_or(0);
     const auto iconic = [&] {
         const QString state =
-            desktop_.Run("xprop", {"-id", QString::number(main_), "_NET_WM_STATE", "WM_STATE"}).out;
+            desktop_.Run("xprop", {"-id", QString::number(main_), "_NET_WM_STATE", "WM_STATE"})
+                .value_or("");
         return state.contains("_NET_WM_STATE_HIDDEN") && state.contains("Iconic");
     };
     ASSERT_FALSE(iconic());

@@ -53,7 +53,7 @@ inline QProcessEnvironment With(const QStringList& env) {
 class Process {
 public:
     Process() = default;
-    // `log` takes stdout and stderr; without one, stdout is kept for ReadLine.
+    // `log` takes stdout and stderr; without one, stdout is kept for Output.
     Process(const QString& program, const QStringList& args, const QStringList& env = {},
             const QString& workDir = {}, const QString& log = {})
         : process_(new QProcess) {
@@ -77,9 +77,16 @@ public:
     }
     bool IsRunning() { return !WaitForExit(0ms); }
     void Stop() { process_.reset(); }
-    QString ReadLine() {
-        process_->waitForReadyRead(15000);
-        return QString::fromUtf8(process_->readLine()).trimmed();
+    int ExitCode() {
+        return WaitForExit(0ms) && process_->exitStatus() == QProcess::NormalExit
+                   ? process_->exitCode()
+                   : -1;
+    }
+    // What it has printed so far, after waiting up to `timeout` for its first output.
+    QString Output(std::chrono::milliseconds timeout = 0ms) {
+        if (process_->bytesAvailable() == 0)
+            process_->waitForReadyRead(int(timeout.count()));
+        return QString::fromUtf8(process_->readAllStandardOutput());
     }
 
 private:
@@ -96,11 +103,6 @@ private:
     std::unique_ptr<QProcess, End> process_;
 };
 
-struct ToolResult {
-    int exitCode = -1; // -1 when it did not finish within 15 s
-    QString out;
-};
-
 // A private X server (Xvfb, 1280x1024x24, no TCP) on a free display, managed by openbox
 // unless asked otherwise, looked at and driven the way a person would: through xdotool,
 // xwininfo, xprop and ImageMagick. Throws std::runtime_error when it does not come up.
@@ -110,7 +112,7 @@ public:
         // Xvfb prints the display number it picked once it accepts clients.
         server_ = Process("Xvfb", {"-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten",
                                    "tcp", "-noreset"});
-        display_ = ":" + server_.ReadLine();
+        display_ = ":" + server_.Output(15s).trimmed();
         if (display_ == ":")
             throw std::runtime_error("Xvfb did not report a display");
         if (!windowManager)
@@ -142,23 +144,17 @@ public:
         windowManager_.Stop();
         server_.Stop();
     }
-    ToolResult Run(const QString& tool, const QStringList& args) const {
-        QProcess process;
-        process.setProcessEnvironment(With(Environment()));
-        process.start(tool, args);
-        if (!process.waitForFinished(15000)) {
-            process.kill();
-            process.waitForFinished();
-            return {};
-        }
-        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-                QString::fromUtf8(process.readAllStandardOutput())};
+    // What the tool printed; nothing when it failed or took more than 15 s.
+    std::optional<QString> Run(const QString& tool, const QStringList& args) const {
+        Process process(tool, args, Environment());
+        return process.WaitForExit(15s) && process.ExitCode() == 0 ? process.Output()
+                                                                   : std::optional<QString>();
     }
 
     // The window manager's client windows, top first, and their titles.
     std::vector<WindowId> Windows() const {
         std::vector<WindowId> ids;
-        const QString list = Run("xprop", {"-root", "_NET_CLIENT_LIST_STACKING"}).out;
+        const QString list = Run("xprop", {"-root", "_NET_CLIENT_LIST_STACKING"}).value_or("");
         static const QRegularExpression hexId("0x[0-9a-fA-F]+");
         for (const auto& m : hexId.globalMatch(list.section('#', 1)))
             ids.insert(ids.begin(), m.captured().toULong(nullptr, 0));
@@ -166,7 +162,7 @@ public:
     }
     QString Title(WindowId window) const {
         // _NET_WM_NAME (UTF-8) where the window has one, WM_NAME otherwise.
-        QString title = Run("xdotool", {"getwindowname", Id(window)}).out;
+        QString title = Run("xdotool", {"getwindowname", Id(window)}).value_or("");
         title.chop(1); // the line end
         return title;
     }
@@ -217,12 +213,11 @@ public:
 private:
     static QString Id(WindowId window) { return QString::number(window); }
     bool Tool(const QString& tool, const QStringList& args) const {
-        return Run(tool, args).exitCode == 0;
+        return Run(tool, args).has_value();
     }
     std::optional<WindowId> Read(const QStringList& xdotoolArgs) const {
-        const ToolResult r = Run("xdotool", xdotoolArgs);
-        const WindowId id = r.out.trimmed().toULong();
-        return r.exitCode == 0 && id ? std::optional(id) : std::nullopt;
+        const WindowId id = Run("xdotool", xdotoolArgs).value_or("").trimmed().toULong();
+        return id ? std::optional(id) : std::nullopt;
     }
 
     QTemporaryDir dir_;

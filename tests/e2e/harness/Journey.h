@@ -160,6 +160,12 @@ protected:
         lines.pop_back(); // the unfinished rest
         return lines;
     }
+    QStringList KeyTexts() const {
+        QStringList texts;
+        for (const KeyLine& line : KeyLines())
+            texts << line.text;
+        return texts;
+    }
     // Of the servers' "started pid N" events, oldest first.
     std::vector<pid_t> StartedPids() const {
         std::vector<pid_t> pids;
