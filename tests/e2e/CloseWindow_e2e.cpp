@@ -15,6 +15,7 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 
 using namespace e2e;
 
@@ -24,17 +25,23 @@ struct WindowOptions {
     bool ownPid = true;         // _NET_WM_PID of this process
     Window transientFor = None; // WM_TRANSIENT_FOR
     bool modal = false;         // _NET_WM_STATE_MODAL
+    bool input = true;          // takes the keyboard focus
 };
 
-// A top-level window made over a connection of its own, which counts the close requests
-// it receives. It must go before its X server does.
+// A top-level window made over a connection of its own, titled through _NET_WM_NAME (the
+// xterms use WM_NAME), which counts the close requests it receives. It must go before its X
+// server does.
 class RawWindow {
 public:
     RawWindow(const Desktop& desktop, const QString& title, WindowOptions options = {})
         : x_(XOpenDisplay(desktop.Display().toLocal8Bit().constData())) {
         id_ = XCreateSimpleWindow(x_, DefaultRootWindow(x_), 100, 100, 300, 200, 0, 0,
                                   WhitePixel(x_, DefaultScreen(x_)));
-        XStoreName(x_, id_, title.toLatin1().constData());
+        const QByteArray name = title.toUtf8();
+        XChangeProperty(x_, id_, Atom_("_NET_WM_NAME"), Atom_("UTF8_STRING"), 8, PropModeReplace,
+                        reinterpret_cast<const unsigned char*>(name.data()), int(name.size()));
+        XWMHints hints{.flags = InputHint, .input = options.input};
+        XSetWMHints(x_, id_, &hints);
         if (options.ownPid)
             Set("_NET_WM_PID", XA_CARDINAL, getpid());
         if (options.modal)
@@ -105,8 +112,8 @@ void Settle(const Desktop& desktop) {
 // is left alone, and nothing below it is tried.
 TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     desktop_.UseInThisProcess();
-    X11WindowServices services(desktop_.Display().toLocal8Bit().constData());
-    X11Keyboard keyboard; // opens $DISPLAY on first use
+    X11WindowServices services; // on $DISPLAY
+    X11Keyboard keyboard;       // on $DISPLAY, from the first key
     RawWindow main(desktop_, "Hostwarden");
     ASSERT_TRUE(OnTop(desktop_, main.Id()));
     // The xterm's cat writes the console's lines to transcript.txt, as the stand-in does.
@@ -191,6 +198,11 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     Settle(desktop_);
     for (RawWindow* window : {&below, &console, &dialog})
         EXPECT_EQ(window->CloseRequests(), 0);
+
+    // A console that takes no keyboard input comes to the front without the focus.
+    RawWindow deaf(desktop_, "deaf console", {.ownPid = false, .input = false});
+    ASSERT_TRUE(OnTop(desktop_, deaf.Id()));
+    EXPECT_EQ(services.ActivateByTitle("deaf console"), ActivateResult::NotFocused);
     EXPECT_TRUE(services.IsConnected());
 }
 
