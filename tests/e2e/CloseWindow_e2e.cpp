@@ -1,24 +1,21 @@
-// The close walk and the activation over the real X11 backend, against foreign xterm
-// windows and windows of this process, on a private Xvfb with openbox.
-#include "Desktop.h"
-#include "Texts.h"
-#include "XSession.h"
+// The X11 backends in this process, on the fixture's desktop: typing a chat line through
+// XTest, activating the server console by its title, and the walk that closes it, against
+// foreign xterm windows and windows of this process.
+#include "Journey.h"
 
+#include "automation/ModPushKeys.h"
 #include "automation/Module2.h"
 #include "platform/KeySendError.h"
 #include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11WindowServices.h"
-#include "platform/x11/XConnectionLoss.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <memory>
 
 #include <unistd.h>
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 
 using namespace e2e;
 
@@ -28,46 +25,41 @@ struct WindowOptions {
     bool ownPid = true;         // _NET_WM_PID of this process
     Window transientFor = None; // WM_TRANSIENT_FOR
     bool modal = false;         // _NET_WM_STATE_MODAL
-    bool deletable = true;      // WM_DELETE_WINDOW in WM_PROTOCOLS
+    bool input = true;          // takes the keyboard focus
 };
 
-// A top-level window made by this test process over a connection of its own, so it can
-// tell whether a close request reached it.
+// A top-level window made over a connection of its own, titled through _NET_WM_NAME (the
+// xterms use WM_NAME), which counts the close requests it receives. It must go before its X
+// server does.
 class RawWindow {
 public:
-    RawWindow(const QString& display, const QString& title, WindowOptions options = {}) {
-        display_ = XOpenDisplay(display.toLocal8Bit().constData());
-        window_ = XCreateSimpleWindow(display_, DefaultRootWindow(display_), 100, 100, 300, 200, 0,
-                                      0, WhitePixel(display_, DefaultScreen(display_)));
-        XStoreName(display_, window_, title.toLatin1().constData());
+    RawWindow(const Desktop& desktop, const QString& title, WindowOptions options = {})
+        : x_(XOpenDisplay(desktop.Display().toLocal8Bit().constData())) {
+        id_ = XCreateSimpleWindow(x_, DefaultRootWindow(x_), 100, 100, 300, 200, 0, 0,
+                                  WhitePixel(x_, DefaultScreen(x_)));
+        const QByteArray name = title.toUtf8();
+        XChangeProperty(x_, id_, Atom_("_NET_WM_NAME"), Atom_("UTF8_STRING"), 8, PropModeReplace,
+                        reinterpret_cast<const unsigned char*>(name.data()), int(name.size()));
+        XWMHints hints{.flags = InputHint, .input = options.input};
+        XSetWMHints(x_, id_, &hints);
         if (options.ownPid)
             Set("_NET_WM_PID", XA_CARDINAL, getpid());
         if (options.modal)
             Set("_NET_WM_STATE", XA_ATOM, long(Atom_("_NET_WM_STATE_MODAL")));
         if (options.transientFor)
-            XSetTransientForHint(display_, window_, options.transientFor);
+            XSetTransientForHint(x_, id_, options.transientFor);
         Atom deleteWindow = Atom_("WM_DELETE_WINDOW");
-        if (options.deletable)
-            XSetWMProtocols(display_, window_, &deleteWindow, 1);
-        SurviveConnectionLoss(display_, &RawWindow::Lost, this);
-        XMapRaised(display_, window_);
-        XSync(display_, False);
+        XSetWMProtocols(x_, id_, &deleteWindow, 1);
+        XMapRaised(x_, id_);
+        XSync(x_, False);
     }
-    ~RawWindow() {
-        Disconnected();
-        ForgetConnection(display_);
-        if (!lost_)
-            XCloseDisplay(display_);
-    }
+    ~RawWindow() { XCloseDisplay(x_); }
 
-    Window Id() const { return window_; }
-
-    // Drains this window's events and counts the close requests that arrived.
+    Window Id() const { return id_; }
     int CloseRequests() {
-        Disconnected();
-        while (!lost_ && XPending(display_)) {
-            XEvent event;
-            XNextEvent(display_, &event);
+        XSync(x_, False);
+        for (XEvent event; XPending(x_);) {
+            XNextEvent(x_, &event);
             closeRequests_ += event.type == ClientMessage &&
                               event.xclient.message_type == Atom_("WM_PROTOCOLS") &&
                               Atom(event.xclient.data.l[0]) == Atom_("WM_DELETE_WINDOW");
@@ -75,186 +67,185 @@ public:
         return closeRequests_;
     }
 
-    // True once the server has ended this window's connection.
-    bool Disconnected() {
-        if (!lost_)
-            XSync(display_, False);
-        return lost_;
-    }
-
 private:
-    Atom Atom_(const char* name) { return XInternAtom(display_, name, False); }
+    Atom Atom_(const char* name) { return XInternAtom(x_, name, False); }
     void Set(const char* property, Atom type, long value) {
-        XChangeProperty(display_, window_, Atom_(property), type, 32, PropModeReplace,
+        XChangeProperty(x_, id_, Atom_(property), type, 32, PropModeReplace,
                         reinterpret_cast<const unsigned char*>(&value), 1);
     }
-    static void Lost(::Display*, void* self) { static_cast<RawWindow*>(self)->lost_ = true; }
 
-    ::Display* display_ = nullptr;
-    Window window_ = None;
+    ::Display* x_;
+    Window id_;
     int closeRequests_ = 0;
-    bool lost_ = false;
 };
 
-class CloseWindowTest : public testing::Test {
-protected:
-    static void SetUpTestSuite() {
-        session_ = std::make_unique<XSession>();
-        session_->UseInThisProcess();
-    }
-    static void TearDownTestSuite() { session_.reset(); }
-
-    void SetUp() override {
-        ASSERT_TRUE(services_.IsConnected());
-        services_.SetMainWindow(WindowHandle(main_.Id()));
-        ASSERT_TRUE(Managed(main_.Id()));
-    }
-
-    bool Managed(WindowId id) {
-        return WaitUntil([&] { return std::ranges::count(services_.ClientWindows(), id) == 1; },
-                         15s);
-    }
-
-    // A foreign console window, as the server run through Wine would show it.
-    std::pair<Process, WindowId> Xterm(const QString& title) {
-        Process xterm("xterm", {"-T", title, "-e", "sleep", "600"}, {session_->Environment()});
-        const WindowId id = desktop_.WaitForWindow(title).value_or(0);
-        EXPECT_NE(id, 0u) << title.toStdString();
-        return {std::move(xterm), id};
-    }
-
-    // The X server has handled every request sent so far, by us and by the clients.
-    void Settle() { desktop_.Run("xprop", {"-root", "_NET_CLIENT_LIST_STACKING"}); }
-
-    inline static std::unique_ptr<XSession> session_;
-    X11WindowServices services_;
-    Desktop desktop_{session_->Display()};
-    RawWindow main_{session_->Display(), "Hostwarden"};
-};
-
-// Titles match in any letter case, anywhere in a longer title; a part of the title is no
-// match. Activation and closing both take the upper console, and only that one; a window
-// that cannot be asked to close is closed by the window manager.
-TEST_F(CloseWindowTest, ServerConsolesAreActivatedAndClosedFromTheTopDown) {
-    auto [upper, upperId] = Xterm(kServerTitle);
-    auto [lower, lowerId] = Xterm("my RED FACTION DEDICATED SERVER log");
-    auto [part, partId] = Xterm("Red Faction Dedicated");
-    // The first one started is raised again, so "upper" is not merely "newest".
-    ASSERT_TRUE(desktop_.Activate(upperId));
-    ASSERT_TRUE(desktop_.Activate(partId));
-
-    EXPECT_EQ(services_.ActivateByTitle("red faction DEDICATED server"), ActivateResult::Activated);
-    EXPECT_EQ(desktop_.ActiveWindow(), upperId);
-    // Already in front: reported at once.
-    EXPECT_EQ(services_.ActivateByTitle(kServerTitle), ActivateResult::Activated);
-    EXPECT_EQ(services_.ActivateByTitle("No Such Server"), ActivateResult::NotFound);
-
-    CloseWindowByTitle(services_, kServerTitle);
-    EXPECT_TRUE(upper.WaitForExit(10s).has_value()) << "the upper console was not closed";
-    Settle();
-    EXPECT_TRUE(lower.IsRunning());
-    ASSERT_TRUE(desktop_.WaitForWindowGone(upperId));
-
-    CloseWindowByTitle(services_, kServerTitle);
-    EXPECT_TRUE(lower.WaitForExit(10s).has_value());
-    ASSERT_TRUE(desktop_.WaitForWindowGone(lowerId));
-    EXPECT_TRUE(part.IsRunning());
-    EXPECT_EQ(services_.ActivateByTitle(kServerTitle), ActivateResult::NotFound);
-
-    // openbox ends the connection of a client that cannot be asked politely.
-    RawWindow plain(session_->Display(), kServerTitle, {.ownPid = false, .deletable = false});
-    ASSERT_TRUE(Managed(plain.Id()));
-    CloseWindowByTitle(services_, kServerTitle);
-    EXPECT_TRUE(WaitUntil([&] { return plain.Disconnected(); }, 15s));
-    EXPECT_TRUE(services_.IsConnected());
+// Mapped raised, a window ends up on top once the window manager has placed it.
+bool OnTop(const Desktop& desktop, WindowId id) {
+    return WaitUntil(
+        [&] {
+            const auto windows = desktop.Windows();
+            return !windows.empty() && windows.front() == id;
+        },
+        15s);
 }
 
-// Our own windows are never closed, and because the walk stops at the first match, a
-// server console below one of them is not closed either.
-TEST_F(CloseWindowTest, OwnWindowsAreNeverClosedAndHideTheConsoleBelow) {
-    auto [console, consoleId] = Xterm(kServerTitle);
+// A foreign console window, as the server run through Wine would show it.
+std::pair<Process, WindowId> Xterm(const Desktop& desktop, const QString& title) {
+    Process xterm("xterm", {"-T", title, "-e", "sleep", "600"}, desktop.Environment());
+    const WindowId id = desktop.WaitFor(title).value_or(0);
+    EXPECT_NE(id, 0u) << title;
+    return {std::move(xterm), id};
+}
+
+// The X server has handled every request sent so far, by us and by the clients.
+void Settle(const Desktop& desktop) {
+    desktop.Run("xprop", {"-root", "_NET_CLIENT_LIST_STACKING"});
+}
+
+// The server console driven by the window services and the keyboard of this process. It is
+// typed into one character at a time, as the automatic messages do: activate it by its title,
+// then send the character through the key sequence sender. Our own windows are never closed,
+// and because the walk stops at the first match, a console below one of them is not closed
+// either. Titles match in any letter case, anywhere in a longer title; a part of the title is
+// no match. Activation and closing both take the upper console, and only that one; a window
+// that cannot be asked to close is closed by the window manager; one showing a modal dialog
+// is left alone, and nothing below it is tried.
+TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
+    desktop_.UseInThisProcess();
+    X11WindowServices services; // on $DISPLAY
+    X11Keyboard keyboard;       // on $DISPLAY, from the first key
+    RawWindow main(desktop_, "Hostwarden");
+    ASSERT_TRUE(OnTop(desktop_, main.Id()));
+    // The xterm's cat writes the console's lines to transcript.txt, as the stand-in does.
+    Process upper("xterm", {"-T", kServerTitle, "-e", "sh", "-c", "cat > transcript.txt"},
+                  desktop_.Environment(), game_);
+    const WindowId upperId = desktop_.WaitFor(kServerTitle).value_or(0);
+
+    // Every character that needs Shift on a US layout, and most that do not. The console
+    // may map before it takes the focus, so each one waits for activation to report the
+    // console in front with the focus.
+    const QString line = "say Hello, World! it's (ok) <x>: \"q\" @#$&* =;/.-[]\\_|?";
+    ModPushKeys keys(keyboard);
+    for (const QChar ch : line + "~") {
+        ASSERT_TRUE(WaitUntil(
+            [&] { return services.ActivateByTitle(kServerTitle) == ActivateResult::Activated; },
+            15s))
+            << "lost the console before " << QString(ch);
+        keys.PushKeys(QString(ch));
+    }
+    EXPECT_TRUE(WaitUntil([&] { return Transcript() == QStringList{line}; }, 10s))
+        << "typed: " << ReadFile(GameFile("transcript.txt")).toStdString();
+
     enum Own { OfThisProcess, MainWindowItself, TransientForMain };
     for (const Own kind : {OfThisProcess, MainWindowItself, TransientForMain}) {
         SCOPED_TRACE(kind);
-        RawWindow own(session_->Display(), "Hostwarden - Red Faction Dedicated Server",
+        RawWindow own(desktop_, "Hostwarden - Red Faction Dedicated Server",
                       {.ownPid = kind != TransientForMain,
-                       .transientFor = kind == TransientForMain ? main_.Id() : None});
-        services_.SetMainWindow(WindowHandle(kind == MainWindowItself ? own.Id() : main_.Id()));
-        ASSERT_TRUE(Managed(own.Id()));
+                       .transientFor = kind == TransientForMain ? main.Id() : None});
+        services.SetMainWindow(WindowHandle(kind == MainWindowItself ? own.Id() : main.Id()));
         ASSERT_TRUE(desktop_.Activate(own.Id()));
-        ASSERT_EQ(desktop_.FindWindow(kServerTitle, TitleMatch::Contains), own.Id());
+        ASSERT_TRUE(OnTop(desktop_, own.Id())) << "above the console";
 
-        CloseWindowByTitle(services_, kServerTitle);
+        CloseWindowByTitle(services, kServerTitle);
 
-        Settle();
+        Settle(desktop_);
         EXPECT_EQ(own.CloseRequests(), 0);
-        EXPECT_EQ(main_.CloseRequests(), 0);
-        EXPECT_TRUE(console.IsRunning());
+        EXPECT_EQ(main.CloseRequests(), 0);
+        EXPECT_TRUE(upper.IsRunning());
     }
-}
 
-TEST_F(CloseWindowTest, AConsoleShowingAModalDialogIsLeftAloneAndNothingElseIsTried) {
-    RawWindow lower(session_->Display(), kServerTitle, {.ownPid = false});
-    ASSERT_TRUE(Managed(lower.Id()));
-    RawWindow console(session_->Display(), kServerTitle, {.ownPid = false});
-    ASSERT_TRUE(Managed(console.Id()));
+    auto [lower, lowerId] = Xterm(desktop_, "my RED FACTION DEDICATED SERVER log");
+    auto [part, partId] = Xterm(desktop_, "Red Faction Dedicated");
+    // The first one started is raised again, so "upper" is not merely "newest".
+    ASSERT_TRUE(desktop_.Activate(upperId));
+    ASSERT_TRUE(desktop_.Activate(partId));
+    EXPECT_EQ(services.ActivateByTitle("red faction DEDICATED server"), ActivateResult::Activated);
+    EXPECT_EQ(desktop_.Active(), upperId);
+    // Already in front: reported at once.
+    EXPECT_EQ(services.ActivateByTitle(kServerTitle), ActivateResult::Activated);
+    EXPECT_EQ(services.ActivateByTitle("No Such Server"), ActivateResult::NotFound);
 
-    CloseWindowByTitle(services_, kServerTitle);
-    ASSERT_TRUE(WaitUntil([&] { return console.CloseRequests() == 1; }, 15s))
-        << "the console, enabled, is asked to close";
+    CloseWindowByTitle(services, kServerTitle);
+    EXPECT_TRUE(upper.WaitForExit(10s)) << "the upper console was not closed";
+    Settle(desktop_);
+    EXPECT_TRUE(lower.IsRunning());
+    ASSERT_TRUE(desktop_.WaitGone(upperId));
+    CloseWindowByTitle(services, kServerTitle);
+    EXPECT_TRUE(lower.WaitForExit(10s));
+    ASSERT_TRUE(desktop_.WaitGone(lowerId));
+    EXPECT_TRUE(part.IsRunning());
+    EXPECT_EQ(services.ActivateByTitle(kServerTitle), ActivateResult::NotFound);
 
-    RawWindow dialog(session_->Display(), "Really quit?",
+    // openbox ends the connection of a client that cannot be asked politely.
+    auto [plain, plainId] = Xterm(desktop_, kServerTitle);
+    desktop_.Run("xprop", {"-id", QString::number(plainId), "-remove", "WM_PROTOCOLS"});
+    CloseWindowByTitle(services, kServerTitle);
+    EXPECT_TRUE(plain.WaitForExit(15s));
+    ASSERT_TRUE(desktop_.WaitGone(plainId));
+
+    RawWindow below(desktop_, kServerTitle, {.ownPid = false});
+    ASSERT_TRUE(OnTop(desktop_, below.Id()));
+    RawWindow console(desktop_, kServerTitle, {.ownPid = false});
+    ASSERT_TRUE(OnTop(desktop_, console.Id()));
+    RawWindow dialog(desktop_, "Really quit?",
                      {.ownPid = false, .transientFor = console.Id(), .modal = true});
-    ASSERT_TRUE(Managed(dialog.Id()));
-    EXPECT_EQ(services_.GetStyle(WindowHandle(console.Id())), WS_DISABLED);
-    EXPECT_EQ(services_.GetStyle(WindowHandle(lower.Id())), 0u);
+    ASSERT_TRUE(OnTop(desktop_, dialog.Id()));
+    EXPECT_EQ(services.GetStyle(WindowHandle(console.Id())), WS_DISABLED);
+    EXPECT_EQ(services.GetStyle(WindowHandle(below.Id())), 0u);
 
-    CloseWindowByTitle(services_, kServerTitle);
+    CloseWindowByTitle(services, kServerTitle);
 
-    Settle();
-    EXPECT_EQ(console.CloseRequests(), 1);
-    EXPECT_EQ(lower.CloseRequests(), 0);
-    EXPECT_EQ(dialog.CloseRequests(), 0);
+    Settle(desktop_);
+    for (RawWindow* window : {&below, &console, &dialog})
+        EXPECT_EQ(window->CloseRequests(), 0);
+
+    // A console that takes no keyboard input comes to the front without the focus.
+    RawWindow deaf(desktop_, "deaf console", {.ownPid = false, .input = false});
+    ASSERT_TRUE(OnTop(desktop_, deaf.Id()));
+    EXPECT_EQ(services.ActivateByTitle("deaf console"), ActivateResult::NotFocused);
+    EXPECT_TRUE(services.IsConnected());
 }
 
 // Without a window manager the top-level windows are the root's mapped children, and
 // activation raises the window and gives it the focus itself. When the X server goes
 // away, the program keeps running: the window services find no windows and the keyboard,
 // which holds a connection of its own, reports a failed key.
-TEST(WithoutWindowManager, TheConsoleIsActivatedAndClosedAndALostServerIsSurvived) {
-    XSession session(XSession::WindowManager::Absent);
+TEST_F(Journey, WithoutAWindowManagerTheConsoleIsClosedAndALostServerIsSurvived) {
+    Desktop bare(false);
     // A connection of someone else's (the toolkit's) keeps the handler it had: here one that
     // records the loss instead of ending the test.
     static bool otherLost = false;
     XSetIOErrorHandler([](::Display*) { return 0; });
-    ::Display* other = XOpenDisplay(session.Display().toLocal8Bit().constData());
+    ::Display* other = XOpenDisplay(bare.Display().toLocal8Bit().constData());
     ASSERT_NE(other, nullptr);
     XSetIOErrorExitHandler(
         other, [](::Display*, void*) { otherLost = true; }, nullptr);
-    X11WindowServices services(session.Display().toLocal8Bit().constData());
-    setenv("DISPLAY", session.Display().toLocal8Bit().constData(), 1);
+    X11WindowServices services(bare.Display().toLocal8Bit().constData());
+    bare.UseInThisProcess();
     X11Keyboard keyboard;
     keyboard.KeyEvent(0x10, 0, 0); // Shift down and up: the keyboard's connection is open
     keyboard.KeyEvent(0x10, 0, KEYEVENTF_KEYUP);
-    RawWindow main(session.Display(), "Hostwarden");
-    auto console = std::make_unique<RawWindow>(session.Display(), kServerTitle,
-                                               WindowOptions{.ownPid = false});
-    RawWindow notes(session.Display(), "notes", {.ownPid = false});
-    services.SetMainWindow(WindowHandle(main.Id()));
+    {
+        RawWindow main(bare, "Hostwarden"), notes(bare, "notes", {.ownPid = false});
+        auto console =
+            std::make_unique<RawWindow>(bare, kServerTitle, WindowOptions{.ownPid = false});
+        services.SetMainWindow(WindowHandle(main.Id()));
 
-    EXPECT_EQ(services.ActivateByTitle(kServerTitle), ActivateResult::Activated);
-    EXPECT_EQ(services.ClientWindows().front(), console->Id()) << "raised to the top";
+        EXPECT_EQ(services.ActivateByTitle(kServerTitle), ActivateResult::Activated);
+        EXPECT_EQ(services.ClientWindows().front(), console->Id()) << "raised to the top";
 
-    CloseWindowByTitle(services, kServerTitle);
+        CloseWindowByTitle(services, kServerTitle);
 
-    EXPECT_TRUE(WaitUntil([&] { return console->CloseRequests() == 1; }, 10s));
-    EXPECT_EQ(notes.CloseRequests(), 0);
-    EXPECT_EQ(main.CloseRequests(), 0);
-    console.reset();
-    EXPECT_TRUE(WaitUntil(
-        [&] { return services.ActivateByTitle(kServerTitle) == ActivateResult::NotFound; }, 10s));
+        EXPECT_TRUE(WaitUntil([&] { return console->CloseRequests() == 1; }, 10s));
+        EXPECT_EQ(notes.CloseRequests(), 0);
+        EXPECT_EQ(main.CloseRequests(), 0);
+        console.reset();
+        EXPECT_TRUE(WaitUntil(
+            [&] { return services.ActivateByTitle(kServerTitle) == ActivateResult::NotFound; },
+            10s));
+    }
 
-    session.StopServer();
+    bare.StopServer();
     EXPECT_THROW(keyboard.KeyEvent(0x10, 0, 0), KeySendError);
     XSync(other, False); // the loss travels the handler chain once, without recursing
     EXPECT_TRUE(otherLost);
@@ -262,7 +253,7 @@ TEST(WithoutWindowManager, TheConsoleIsActivatedAndClosedAndALostServerIsSurvive
     EXPECT_FALSE(services.IsConnected());
     EXPECT_EQ(services.GetWindow(0, WindowRelation::First), 0u);
     CloseWindowByTitle(services, "notes");
-    services.PostMessage(notes.Id(), WM_CLOSE);
+    services.PostMessage(1, WM_CLOSE);
 }
 
 } // namespace

@@ -45,7 +45,3 @@ inline const QByteArray kFirstRunOptions = "#Dedicated Server Options\r\n"
                                            "$Balance Teams:  True\r\n";
 
 } // namespace texts
-
-namespace e2e {
-using namespace texts;
-} // namespace e2e
