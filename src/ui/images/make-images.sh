@@ -1,5 +1,5 @@
 #!/bin/sh
-# Regenerates the window icon and the banner from nothing but ImageMagick and the DejaVu fonts.
+# Regenerates the window icon (16, 32, 48, 256 px) and the banner from nothing but ImageMagick and the DejaVu fonts.
 # Usage: sh make-images.sh   (writes into the folder holding this script)
 set -eu
 cd "$(dirname "$0")"
@@ -39,3 +39,10 @@ shield() {
 }
 shield 32 8 4 20 6 22 12
 shield 16 4 2 10 3 10 6
+
+# The larger sizes come from the drawing (hostwarden.svg), rendered at four times the size
+# and scaled down, so their edges are smooth.
+for size in 48 256; do
+    convert -background none -density $(( 72 * size / 64 )) hostwarden.svg \
+        -resize "${size}x${size}" $OUT "PNG32:icon${size}.png"
+done
