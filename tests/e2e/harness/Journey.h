@@ -96,8 +96,9 @@ protected:
     }
 
     // Starts the program; `secondMs` is its "second" in milliseconds (none: a real one).
-    Process StartHostwarden(std::optional<int> secondMs = std::nullopt) const {
-        return Process(HOSTWARDEN_BIN, {},
+    Process StartHostwarden(std::optional<int> secondMs = std::nullopt,
+                            const QString& program = HOSTWARDEN_BIN) const {
+        return Process(program, {},
                        desktop_.Environment() << "HOME=" + home_.path()
                                               << "XDG_CONFIG_HOME=" + home_.filePath("config")
                                               << "QT_QPA_PLATFORM=xcb"
