@@ -1,18 +1,10 @@
-// The Debian package as an operator without the game meets it: unpacked into a throw-away
-// root (never installed here), its demo-game command lays out a game, and its hostwarden
-// runs on that game and launches the packaged stand-in server.
+// The Debian package unpacked into a throw-away root, never installed here: its demo-game
+// command lays out a game, its hostwarden runs on it and launches the packaged stand-in.
 #include "Journey.h"
 
 using namespace e2e;
 
 namespace {
-
-QString DesktopEntryKey(const QString& entry, const QString& key) {
-    for (const QString& line : QString::fromUtf8(ReadFile(entry)).split('\n'))
-        if (line.startsWith(key + "="))
-            return line.mid(key.size() + 1);
-    return {};
-}
 
 TEST_F(Journey, PackagedProgramRunsOnItsDemoGame) {
     QTemporaryDir root;
@@ -29,10 +21,12 @@ TEST_F(Journey, PackagedProgramRunsOnItsDemoGame) {
     main_ = desktop_.WaitFor(kMainTitle, 30s).value_or(0);
     ASSERT_TRUE(main_) << "no main window; windows: " << Windows();
     // The desktop shell ties the window to its menu entry through the window class.
-    const QString entry = root.filePath("usr/share/applications/" HOSTWARDEN_APP_ID ".desktop");
-    EXPECT_TRUE(desktop_.Run("xprop", {"-id", QString::number(main_), "WM_CLASS"})
-                    .value_or("")
-                    .contains(", \"" + DesktopEntryKey(entry, "StartupWMClass") + "\""));
+    const QString wmClass = desktop_.Run("xprop", {"-id", QString::number(main_), "WM_CLASS"})
+                                .value_or("")
+                                .section('"', 3, 3);
+    EXPECT_TRUE(ReadFile(root.filePath("usr/share/applications/" HOSTWARDEN_APP_ID ".desktop"))
+                    .contains("\nStartupWMClass=" + wmClass.toUtf8() + "\n"))
+        << wmClass;
 
     ASSERT_TRUE(ClickMain("CMDLaunch"));
     EXPECT_TRUE(desktop_.WaitFor(kServerTitle)) << "no server window; windows: " << Windows();
