@@ -10,7 +10,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb openbox xdotool x11-utils xterm imagemagick
   fonts-dejavu-core
-  lintian desktop-file-utils appstream
+  file lintian desktop-file-utils appstream
 )
 
 missing=()
