@@ -3,7 +3,7 @@
 set -uo pipefail
 deb=$1 id=$2 failed=0
 fail() { echo "FAIL: $*" >&2 && failed=1; }
-root=$(mktemp -d) && trap 'rm -rf "$root"' EXIT
+root=$(mktemp -d) && trap 'rm -rf "$root"' EXIT && bin=$root/fs/usr/bin
 dpkg-deb -x "$deb" "$root/fs" || exit 1
 
 lintian --fail-on error "$deb" || fail "lintian reports errors"
@@ -18,19 +18,18 @@ for f in bin/hostwarden{,-demo-game} lib/hostwarden/rfds-standin share/applicati
 done
 
 # Every Qt 6 and X11 library the program links comes from a package that Depends names.
-linked=$(objdump -p "$root/fs/usr/bin/hostwarden" |
-    awk '/NEEDED +lib(Qt6|X11\.|Xtst)/ { print $2 }')
+linked=$(objdump -p "$bin/hostwarden" | awk '/NEEDED +lib(Qt6|X11\.|Xtst)/ { print $2 }')
 [ "$(wc -l <<<"$linked")" -ge 5 ] || fail "links fewer Qt and X11 libraries than expected"
 for lib in $linked; do
     pkg=$(dpkg -S "*/$lib" | cut -d: -f1 | head -1)
     grep -qw "$pkg" <<<"$depends" || fail "Depends misses $pkg (for $lib): $depends"
 done
 
-# The demo game lands in the default folder, and never in a folder that holds something else.
+# The demo game lands in the default folder (a second run too), never where something else is.
 export HOME=$root/home XDG_DATA_HOME= && demo=$root/home/.local/share/Hostwarden/demo-game/
-[ "$("$root/fs/usr/bin/hostwarden-demo-game")" = "$demo" ] || fail "not reported as $demo"
+for run in 1 2; do [ "$("$bin/hostwarden-demo-game")" = "$demo" ] || fail "run $run: $demo"; done
 [ -x "$demo/RF.EXE" ] && [ -s "$demo/levelsm.vpp" ] || fail "no demo game in $demo"
 mkdir -p "$root/game/mods/Own" && touch "$root/game/RF.EXE"
-"$root/fs/usr/bin/hostwarden-demo-game" "$root/game" && fail "wrote over a real game"
+"$bin/hostwarden-demo-game" "$root/game" && fail "wrote over a real game"
 [ -d "$root/game/mods/Own" ] && [ ! -s "$root/game/RF.EXE" ] || fail "touched a real game"
 exit $failed
