@@ -259,4 +259,22 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow)
     }
 }
 
+// Without an X display typing can never work: the operator is told once per run, the
+// messages stop and the server is left alone, however many batches fall due.
+TEST_F(AutoMessagesTest, WithoutADisplayTellsOnceAndNeitherRecoversNorKeepsQueueing) {
+    windows.noDisplay = servRecChecked = true;
+    for (int launch = 0; launch < 2; ++launch) {
+        am.ServerLaunched(42);
+        QueueBatch({"first", "second"});
+        TypeLine();
+        TypeLine();
+        EXPECT_TRUE(am.Queue().isEmpty() && IdleTypist() && !am.TMRAddsEnabled() && !addsTimer);
+    }
+    EXPECT_EQ(boxes.shown.size(), 1);
+    EXPECT_EQ(boxes.shown.value(0).title, texts::kNoDisplayTitle);
+    EXPECT_TRUE(boxes.shown.value(0).text.startsWith(texts::kNoDisplayStart));
+    EXPECT_EQ(std::tuple(launches, beeper.beeps, pushed.size(), am.ServerHandle()),
+              std::tuple(0, 0, 0, 42u));
+}
+
 } // namespace

@@ -118,6 +118,10 @@ void AutoMessages::TypeCurrentCharacter() {
         RecoverServer();
         return;
     }
+    if (activation == ActivateResult::NoDisplay) {
+        StopWithoutDisplay();
+        return;
+    }
     if (activation == ActivateResult::NotFocused) {
         // The console is there but something else holds the focus: typing now would
         // send the keys to that window. Try this character again on the next tick.
@@ -141,6 +145,20 @@ void AutoMessages::DropPendingLine() {
     SendPos_ = 0;
     focusWaitMs_ = 0;
     SetTMRSendEnabled(false);
+}
+
+void AutoMessages::StopWithoutDisplay() {
+    // Relaunching would not help: the server is fine, there is nothing to type with.
+    DropPendingLine();
+    LSTBuff_.clear();
+    SetTMRAddsEnabled(false);
+    if (toldNoDisplay_)
+        return;
+    toldNoDisplay_ = true;
+    messages_.Show({"Automatic messages cannot be typed into the server console: typing needs an "
+                    "X11 display (Xwayland), and this desktop session has none. The server keeps "
+                    "running. Start Hostwarden in a session with Xwayland to send messages.",
+                    "Auto Message", MsgButtons::OK, MsgIcon::Information, MsgDefault::First});
 }
 
 void AutoMessages::RecoverServer() {

@@ -70,6 +70,8 @@ private:
     // Activates the console and types character number SendPos of PendingLine.
     void TypeCurrentCharacter();
     void DropPendingLine();
+    // Typing cannot work in this session at all: the messages stop, the server runs on.
+    void StopWithoutDisplay();
 
     AutoMessageHost& host_;
     const AppState& state_;
@@ -88,4 +90,5 @@ private:
     bool sendEnabled_ = false;
     // Time the current line has waited for the console's focus, in milliseconds.
     int focusWaitMs_ = 0;
+    bool toldNoDisplay_ = false;
 };
