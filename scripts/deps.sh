@@ -12,14 +12,26 @@ packages=(
   fonts-dejavu-core
 )
 
-missing=()
-for p in "${packages[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
-done
+# The Wayland desktop of the end-to-end tests (a headless KWin with Xwayland) and Qt's
+# Wayland plugin, which a Wayland desktop's Qt programs pick up; without their recommends,
+# which would bring in a whole Plasma desktop.
+wayland_packages=(kwin-wayland xwayland qt6-wayland)
 
-if ((${#missing[@]})); then
-  echo "Installing: ${missing[*]}"
+missing() {
+  for p in "$@"; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || echo "$p"
+  done
+}
+updated=
+install() {
+  echo "Installing: $*"
   export DEBIAN_FRONTEND=noninteractive
-  apt-get update -qq
-  apt-get install -y -qq "${missing[@]}" >/dev/null
-fi
+  [[ -n $updated ]] || apt-get update -qq
+  updated=1
+  apt-get install -y -qq "$@" >/dev/null
+}
+
+mapfile -t missing_packages < <(missing "${packages[@]}")
+((${#missing_packages[@]} == 0)) || install "${missing_packages[@]}"
+mapfile -t missing_packages < <(missing "${wayland_packages[@]}")
+((${#missing_packages[@]} == 0)) || install --no-install-recommends "${missing_packages[@]}"
