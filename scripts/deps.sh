@@ -12,10 +12,11 @@ packages=(
   fonts-dejavu-core
 )
 
-# The Wayland desktop of the end-to-end tests (a headless KWin with Xwayland) and Qt's
-# Wayland plugin, which a Wayland desktop's Qt programs pick up; without their recommends,
-# which would bring in a whole Plasma desktop.
-wayland_packages=(kwin-wayland xwayland qt6-wayland)
+# The Wayland desktop of the end-to-end tests (a headless KWin with Xwayland), Qt's Wayland
+# plugin, which a Wayland desktop's Qt programs pick up, and the accessibility bus through
+# which a test looks at a desktop without X; without their recommends, which would bring in
+# a whole Plasma desktop.
+wayland_packages=(kwin-wayland xwayland qt6-wayland dbus-daemon at-spi2-core python3-pyatspi)
 
 missing() {
   for p in "$@"; do

@@ -29,4 +29,29 @@ TEST_F(Wayland, TheConsoleIsAnX11WindowThatGetsItsLines) {
     EXPECT_EQ(desktop_.Titles().count(kServerTitle), 1);
 }
 
+// Without any X display our window is a Wayland window, seen and pressed here as a screen
+// reader does. Launch writes the options and starts the server (which cannot open its
+// console); the due message brings one plain notice, also after a second launch, and never
+// "Server Error".
+TEST_F(Wayland, WithoutXTypingIsExplainedOnce) {
+    Seed({.messages = {"hello", "", "", ""}});
+    hostwarden_ = StartHostwarden(20);
+    const auto press = [&](const QString& window, const QString& button) {
+        return WaitUntil([&] { return desktop_.Run(ACCESSIBLE, {"press", window, button}); }, 30s);
+    };
+    const auto notices = [&] {
+        const QString windows = desktop_.Run(ACCESSIBLE, {"windows"}).value_or("");
+        EXPECT_FALSE(windows.contains(kServerErrorTitle));
+        return windows.count(kNoDisplayTitle);
+    };
+    ASSERT_TRUE(press(kMainTitle, "Launch"));
+    ASSERT_TRUE(WaitUntil([&] { return notices() == 1; }, 30s));
+    EXPECT_TRUE(QFile::exists(GameFile("dedicated_server.txt")));
+    EXPECT_EQ(GameLines("commandline.txt").value(1), "-dedicated");
+    ASSERT_TRUE(press(kNoDisplayTitle, "OK"));
+    ASSERT_TRUE(press(kMainTitle, "Launch"));
+    EXPECT_FALSE(WaitUntil([&] { return notices() > 0; }, 10s));
+    EXPECT_TRUE(hostwarden_.IsRunning());
+}
+
 } // namespace
