@@ -127,8 +127,14 @@ void AutoMessages::TypeCurrentCharacter() {
         // send the keys to that window. Try this character again on the next tick.
         --SendPos_;
         focusWaitMs_ += host_.TypistIntervalMs();
-        if (focusWaitMs_ >= kFocusPatienceMs)
+        if (focusWaitMs_ >= kFocusPatienceMs) {
             DropPendingLine();
+            TellOnce(toldNotFocused_,
+                     "An automatic message was dropped: the server console never got the "
+                     "keyboard focus, so it could not be typed into. Bring the console to this "
+                     "workspace, or use a window manager that lets programs activate windows. "
+                     "Messages dropped later for the same reason are not reported again.");
+        }
         return;
     }
 
@@ -152,13 +158,17 @@ void AutoMessages::StopWithoutDisplay() {
     DropPendingLine();
     LSTBuff_.clear();
     SetTMRAddsEnabled(false);
-    if (toldNoDisplay_)
+    TellOnce(toldNoDisplay_,
+             "Automatic messages cannot be typed into the server console: typing needs an X11 "
+             "display (Xwayland), and this desktop session has none. The server keeps running. "
+             "Start Hostwarden in a session with Xwayland to send messages.");
+}
+
+void AutoMessages::TellOnce(bool& told, const QString& text) {
+    if (told)
         return;
-    toldNoDisplay_ = true;
-    messages_.Show({"Automatic messages cannot be typed into the server console: typing needs an "
-                    "X11 display (Xwayland), and this desktop session has none. The server keeps "
-                    "running. Start Hostwarden in a session with Xwayland to send messages.",
-                    "Auto Message", MsgButtons::OK, MsgIcon::Information, MsgDefault::First});
+    told = true;
+    messages_.Show({text, "Auto Message", MsgButtons::OK, MsgIcon::Information, MsgDefault::First});
 }
 
 void AutoMessages::RecoverServer() {
