@@ -12,27 +12,29 @@ packages=(
   fonts-dejavu-core
 )
 
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+
+if ((${#missing[@]})); then
+  echo "Installing: ${missing[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  apt-get update -qq
+  apt-get install -y -qq "${missing[@]}" >/dev/null
+fi
+
 # The Wayland desktop of the end-to-end tests (a headless KWin with Xwayland), Qt's Wayland
 # plugin, which a Wayland desktop's Qt programs pick up, and the accessibility bus through
 # which a test looks at a desktop without X; without their recommends, which would bring in
 # a whole Plasma desktop.
-wayland_packages=(kwin-wayland xwayland qt6-wayland dbus-daemon at-spi2-core python3-pyatspi)
-
-missing() {
-  for p in "$@"; do
-    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || echo "$p"
-  done
-}
-updated=
-install() {
-  echo "Installing: $*"
+wayland=()
+for p in kwin-wayland xwayland qt6-wayland dbus-daemon at-spi2-core python3-pyatspi; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || wayland+=("$p")
+done
+if ((${#wayland[@]})); then
+  echo "Installing: ${wayland[*]}"
   export DEBIAN_FRONTEND=noninteractive
-  [[ -n $updated ]] || apt-get update -qq
-  updated=1
-  apt-get install -y -qq "$@" >/dev/null
-}
-
-mapfile -t missing_packages < <(missing "${packages[@]}")
-((${#missing_packages[@]} == 0)) || install "${missing_packages[@]}"
-mapfile -t missing_packages < <(missing "${wayland_packages[@]}")
-((${#missing_packages[@]} == 0)) || install --no-install-recommends "${missing_packages[@]}"
+  ((${#missing[@]})) || apt-get update -qq
+  apt-get install -y -qq --no-install-recommends "${wayland[@]}" >/dev/null
+fi
