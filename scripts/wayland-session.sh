@@ -23,7 +23,7 @@ mkdir -m 1777 /tmp/.X11-unix
 cp /usr/bin/kwin_wayland "$runtime/"
 printf '%q ' "$@" >"$runtime/command"
 # The command's output goes where this script's goes (descriptors 3 and 4), not to KWin's log.
-printf '%s\n' '#!/bin/sh' ". $runtime/command >&3 2>&4" "echo \$? >$runtime/status" \
+printf '%s\n' '#!/bin/bash' ". $runtime/command >&3 2>&4" "echo \$? >$runtime/status" \
   >"$runtime/session"
 chmod +x "$runtime/session"
 unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM
