@@ -24,3 +24,18 @@ if ((${#missing[@]})); then
   apt-get update -qq
   apt-get install -y -qq "${missing[@]}" >/dev/null
 fi
+
+# The Wayland desktop of the end-to-end tests (a headless KWin with Xwayland), Qt's Wayland
+# plugin, which a Wayland desktop's Qt programs pick up, and the accessibility bus through
+# which a test looks at a desktop without X; without their recommends, which would bring in
+# a whole Plasma desktop.
+wayland=()
+for p in kwin-wayland xwayland qt6-wayland dbus-daemon at-spi2-core python3-pyatspi; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || wayland+=("$p")
+done
+if ((${#wayland[@]})); then
+  echo "Installing: ${wayland[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  ((${#missing[@]})) || apt-get update -qq
+  apt-get install -y -qq --no-install-recommends "${wayland[@]}" >/dev/null
+fi

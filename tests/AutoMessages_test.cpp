@@ -231,7 +231,8 @@ TEST_F(AutoMessagesTest, TypingFailureResetsEverythingThenRelaunchesOrTellsTheOp
 
 // Decision: a console that exists but does not get the input focus is not a lost
 // server. The character waits (typing it would send it to whatever window has the
-// focus); after 10 seconds of waiting in a row the line is dropped without recovery.
+// focus); after 10 seconds of waiting in a row the line is dropped without recovery, and
+// the first drop of the run is reported.
 TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow) {
     const std::pair<int, int> rows[] = {{100, 100}, {110, 91}, {210, 48}, {10, 1000}};
     for (const auto& [interval, ticksToDrop] : rows) {
@@ -251,12 +252,36 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow)
         t.Typist(1);
         EXPECT_TRUE(t.IdleTypist() && t.am.TMRAddsEnabled())
             << "the line goes, the countdown stays";
-        EXPECT_TRUE(t.launches == 0 && t.boxes.shown.isEmpty()) << "no recovery";
+        EXPECT_EQ(t.launches, 0) << "no recovery";
 
+        t.am.QueueMessage("lost too");
         t.windows.focusStolen = false;
         t.TypeLine();
+        t.windows.focusStolen = true;
+        t.TypeLine();
         EXPECT_EQ(t.Typed(), "say" + QString("say next~"));
+        ASSERT_EQ(t.boxes.shown.size(), 1);
+        EXPECT_TRUE(t.boxes.shown[0].text.startsWith("An automatic message was dropped: the "
+                                                     "server console never got the keyboard"));
     }
+}
+
+// Without an X display typing can never work: the operator is told once per run, the
+// messages stop and the server is left alone, however many batches fall due.
+TEST_F(AutoMessagesTest, WithoutADisplayTellsOnceAndNeitherRecoversNorKeepsQueueing) {
+    windows.noDisplay = servRecChecked = true;
+    for (int launch = 0; launch < 2; ++launch) {
+        am.ServerLaunched(42);
+        QueueBatch({"first", "second"});
+        TypeLine();
+        TypeLine();
+        EXPECT_TRUE(am.Queue().isEmpty() && IdleTypist() && !am.TMRAddsEnabled() && !addsTimer);
+    }
+    EXPECT_EQ(boxes.shown.size(), 1);
+    EXPECT_EQ(boxes.shown.value(0).title, texts::kNoDisplayTitle);
+    EXPECT_TRUE(boxes.shown.value(0).text.startsWith(texts::kNoDisplayStart));
+    EXPECT_EQ(std::tuple(launches, beeper.beeps, pushed.size(), am.ServerHandle()),
+              std::tuple(0, 0, 0, 42u));
 }
 
 } // namespace

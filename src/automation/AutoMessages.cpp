@@ -118,13 +118,23 @@ void AutoMessages::TypeCurrentCharacter() {
         RecoverServer();
         return;
     }
+    if (activation == ActivateResult::NoDisplay) {
+        StopWithoutDisplay();
+        return;
+    }
     if (activation == ActivateResult::NotFocused) {
         // The console is there but something else holds the focus: typing now would
         // send the keys to that window. Try this character again on the next tick.
         --SendPos_;
         focusWaitMs_ += host_.TypistIntervalMs();
-        if (focusWaitMs_ >= kFocusPatienceMs)
+        if (focusWaitMs_ >= kFocusPatienceMs) {
             DropPendingLine();
+            TellOnce(toldNotFocused_,
+                     "An automatic message was dropped: the server console never got the "
+                     "keyboard focus, so it could not be typed into. Bring the console to this "
+                     "workspace, or use a window manager that lets programs activate windows. "
+                     "Messages dropped later for the same reason are not reported again.");
+        }
         return;
     }
 
@@ -141,6 +151,24 @@ void AutoMessages::DropPendingLine() {
     SendPos_ = 0;
     focusWaitMs_ = 0;
     SetTMRSendEnabled(false);
+}
+
+void AutoMessages::StopWithoutDisplay() {
+    // Relaunching would not help: the server is fine, there is nothing to type with.
+    DropPendingLine();
+    LSTBuff_.clear();
+    SetTMRAddsEnabled(false);
+    TellOnce(toldNoDisplay_,
+             "Automatic messages cannot be typed into the server console: typing needs an X11 "
+             "display (Xwayland), and this desktop session has none. The server keeps running. "
+             "Start Hostwarden in a session with Xwayland to send messages.");
+}
+
+void AutoMessages::TellOnce(bool& told, const QString& text) {
+    if (told)
+        return;
+    told = true;
+    messages_.Show({text, "Auto Message", MsgButtons::OK, MsgIcon::Information, MsgDefault::First});
 }
 
 void AutoMessages::RecoverServer() {

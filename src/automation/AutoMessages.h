@@ -70,6 +70,10 @@ private:
     // Activates the console and types character number SendPos of PendingLine.
     void TypeCurrentCharacter();
     void DropPendingLine();
+    // Typing cannot work in this session at all: the messages stop, the server runs on.
+    void StopWithoutDisplay();
+    // Shows a notice the first time only; `told` remembers it for the run.
+    void TellOnce(bool& told, const QString& text);
 
     AutoMessageHost& host_;
     const AppState& state_;
@@ -88,4 +92,5 @@ private:
     bool sendEnabled_ = false;
     // Time the current line has waited for the console's focus, in milliseconds.
     int focusWaitMs_ = 0;
+    bool toldNoDisplay_ = false, toldNotFocused_ = false;
 };

@@ -16,6 +16,7 @@ enum class ActivateResult {
     Activated,  // the window is in front and holds the input focus
     NotFound,   // no window answers to the title
     NotFocused, // the window is there but the focus stayed elsewhere
+    NoDisplay,  // there is no window system to find it in (no X display)
 };
 
 // Top-level windows of the desktop, as the server-window lookup needs them.

@@ -16,8 +16,34 @@
 #include <QIcon>
 #include <QScreen>
 
+namespace {
+
+// Our windows are X11 clients whenever there is an X display, on a Wayland desktop too
+// (Xwayland): the console we type into is an X11 window, and the close walk and the focus
+// checks must see our own windows in the same window system as the console. Wayland only
+// when the X display cannot be reached.
+class WindowSystemChoice {
+public:
+    WindowSystemChoice()
+        : asked_(qgetenv(kVariable)), wasSet_(qEnvironmentVariableIsSet(kVariable)) {
+        if (!qEnvironmentVariableIsEmpty("DISPLAY"))
+            qputenv(kVariable, "xcb;wayland");
+    }
+    // The programs we start (the server) choose for themselves.
+    void Forget() const { wasSet_ ? qputenv(kVariable, asked_) : qunsetenv(kVariable); }
+
+private:
+    static constexpr const char* kVariable = "QT_QPA_PLATFORM";
+    QByteArray asked_;
+    bool wasSet_;
+};
+
+} // namespace
+
 int main(int argc, char** argv) {
+    const WindowSystemChoice windowSystem;
     QApplication application(argc, argv);
+    windowSystem.Forget();
     QApplication::setApplicationName(QStringLiteral("Hostwarden"));
     QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 7));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/ui/images/icon32.png")));

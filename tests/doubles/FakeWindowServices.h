@@ -54,6 +54,8 @@ public:
     }
     ActivateResult ActivateByTitle(const QString& title) override {
         activations.append(title);
+        if (noDisplay)
+            return ActivateResult::NoDisplay;
         for (const Window& w : windows)
             if (!w.gone && w.title.contains(title, Qt::CaseInsensitive))
                 return focusStolen ? ActivateResult::NotFocused : ActivateResult::Activated;
@@ -66,6 +68,7 @@ public:
     WindowHandle mainWindow = 0;
     // When set, activation finds the window but the focus stays elsewhere.
     bool focusStolen = false;
+    bool noDisplay = false;
     // Runs on every ProcessPendingEvents, to let a test change the desktop mid-walk.
     std::function<void()> onPendingEvents;
 

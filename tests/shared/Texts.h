@@ -12,6 +12,11 @@ inline const QString kMainTitle = QStringLiteral("Hostwarden 2.0.1 by Velloquin"
 inline const QString kServerTitle = QStringLiteral("Red Faction Dedicated Server");
 inline const QString kExitTitle = QStringLiteral("Save and exit or just exit");
 inline const QString kServerErrorTitle = QStringLiteral("Server Error");
+// The notice that automatic messages cannot be typed without an X display.
+inline const QString kNoDisplayTitle = QStringLiteral("Auto Message");
+inline const QString kNoDisplayStart =
+    QStringLiteral("Automatic messages cannot be typed into the server console: typing needs an "
+                   "X11 display (Xwayland)");
 
 // The [Default] section the first run stores, besides its messages.
 inline const QStringList kFirstRunDefaults = {

@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -22,7 +23,10 @@ constexpr const char* kUsage =
     "  reads  dedicated_server.txt and shows what it understood\n"
     "  appends transcript.txt   every submitted console line\n"
     "  writes keys.log          \"<ms since start> <character code>\" per typed character\n"
-    "  appends events.txt       \"started pid N\" and \"closed pid N\"\n";
+    "  appends events.txt       \"started pid N\" and \"closed pid N\"\n"
+    "\n"
+    "Its window is an X11 window, on a Wayland desktop too (through Xwayland); without\n"
+    "an X display (DISPLAY not set) it says so and exits with status 2.\n";
 
 void RecordCommandLine(int argc, char** argv) {
     QFile file(QStringLiteral("commandline.txt"));
@@ -36,6 +40,21 @@ void RecordCommandLine(int argc, char** argv) {
     }
 }
 
+// The console must be an X11 window, as the real server's is under Wine: a Wayland-native
+// window is out of reach of the X11 side that finds, types into and closes it. False when
+// there is no X display at all.
+bool UseX11() {
+    const char* display = std::getenv("DISPLAY");
+    if (!display || !*display) {
+        std::fputs("RF.EXE: no X display (DISPLAY is not set); the console window needs X11 "
+                   "(Xwayland on a Wayland desktop).\n",
+                   stderr);
+        return false;
+    }
+    setenv("QT_QPA_PLATFORM", "xcb", 1);
+    return true;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -47,6 +66,8 @@ int main(int argc, char** argv) {
     }
     // Before QApplication, which takes away the arguments it knows.
     RecordCommandLine(argc, argv);
+    if (!UseX11())
+        return 2;
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments << QString::fromLocal8Bit(argv[i]);

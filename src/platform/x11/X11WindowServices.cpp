@@ -389,6 +389,8 @@ bool X11WindowServices::HasFocus(unsigned long window) {
 }
 
 ActivateResult X11WindowServices::ActivateByTitle(const QString& title) {
+    if (!display_)
+        return ActivateResult::NoDisplay;
     WindowHandle target = 0;
     for (WindowHandle client : ClientWindows()) {
         const QString text = GetWindowText(client);

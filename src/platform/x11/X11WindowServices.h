@@ -23,7 +23,7 @@ public:
     X11WindowServices& operator=(const X11WindowServices&) = delete;
 
     // False when the display could not be opened or the connection was lost; every
-    // operation then reports no windows.
+    // operation then reports no windows, and activation NoDisplay when it never opened.
     bool IsConnected() const { return display_ != nullptr && !lost_; }
     // The X id of the program's main window (QWidget::winId() under xcb).
     void SetMainWindow(WindowHandle window) override { mainWindow_ = window; }

@@ -136,8 +136,13 @@ public:
             throw std::runtime_error("openbox did not start on " + display_.toStdString());
     }
 
+    // The desktop session this process runs in, as programs started there see it: under
+    // scripts/wayland-session.sh, a Wayland desktop with or without an X display.
+    struct Session {};
+    explicit Desktop(Session) : display_(qEnvironmentVariable("DISPLAY")), platform_() {}
+
     const QString& Display() const { return display_; }
-    QStringList Environment() const { return {"DISPLAY=" + display_}; }
+    QStringList Environment() const { return QStringList{"DISPLAY=" + display_} + platform_; }
     void UseInThisProcess() const { setenv("DISPLAY", display_.toLocal8Bit().constData(), 1); }
     // Ends the X server, as its clients see a lost connection.
     void StopServer() {
@@ -222,6 +227,7 @@ private:
 
     QTemporaryDir dir_;
     QString display_;
+    QStringList platform_ = {"QT_QPA_PLATFORM=xcb"};
     Process server_, windowManager_; // ended in reverse order: the window manager first
 };
 

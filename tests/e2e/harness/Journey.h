@@ -45,7 +45,9 @@ struct KeyLine {
 
 class Journey : public testing::Test {
 protected:
-    Journey() {
+    explicit Journey(Desktop::Session session) : desktop_(session) { Prepare(); }
+    Journey() { Prepare(); }
+    void Prepare() {
         // Copies keep their permissions, so RF.EXE stays executable.
         std::filesystem::copy(DEMO_GAME_DIR, game_.toStdString(),
                               std::filesystem::copy_options::recursive);
@@ -101,7 +103,6 @@ protected:
         return Process(program, {},
                        desktop_.Environment() << "HOME=" + home_.path()
                                               << "XDG_CONFIG_HOME=" + home_.filePath("config")
-                                              << "QT_QPA_PLATFORM=xcb"
                                               // Empty: a real second, whatever this process has.
                                               << "HOSTWARDEN_TEST_SECOND_MS=" +
                                                      (secondMs ? QString::number(*secondMs) : ""),
