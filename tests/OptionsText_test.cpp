@@ -1,11 +1,14 @@
 #include "options/OptionsText.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include "Texts.h"
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -33,9 +36,15 @@ TEST(OptionsText, WorkedExampleIsWrittenByteForByte) {
     old.close();
 
     QString error;
+    const mode_t umask = ::umask(0); // the passwords stay the operator's, whatever the umask
     ASSERT_TRUE(WriteOptionsFile(
         gameDir, ComposeOptionsText(WorkedExample(), {"ctf01", "dm \"x\" 02", "é€ ✓ ß"}), &error))
         << error.toStdString();
+    ::umask(umask);
+    EXPECT_EQ(QFile::permissions(old.fileName()),
+              QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
+    EXPECT_EQ(QDir(gameDir).entryList(QDir::Files | QDir::Hidden),
+              QStringList{"dedicated_server.txt"});
     ASSERT_TRUE(old.open(QIODevice::ReadOnly));
     EXPECT_EQ(old.readAll(),
               texts::kFirstRunOptions + QByteArray("$Map:            \"ctf01\"\r\n"
@@ -44,6 +53,7 @@ TEST(OptionsText, WorkedExampleIsWrittenByteForByte) {
 
     EXPECT_FALSE(WriteOptionsFile(gameDir + "no/such/dir/", "x", &error));
     EXPECT_TRUE(error.contains("dedicated_server.txt")) << error.toStdString();
+    EXPECT_FALSE(QDir(gameDir + "no").exists());
 }
 
 TEST(OptionsText, ValuesAreRenderedAsTheFileExpects) {
