@@ -49,7 +49,7 @@ protected:
         // Copies keep their permissions, so RF.EXE stays executable.
         std::filesystem::copy(DEMO_GAME_DIR, game_.toStdString(),
                               std::filesystem::copy_options::recursive);
-        if (!QDir(home_.path()).mkpath("config/Hostwarden"))
+        if (!QDir(home_.path()).mkpath("config/Hostwarden") || !QDir(home_.path()).mkpath("run"))
             throw std::runtime_error("cannot prepare the home");
         QFile::remove(ArtifactPath(TestName() + "-hostwarden.log"));
     }
@@ -100,6 +100,7 @@ protected:
         return Process(HOSTWARDEN_BIN, {},
                        desktop_.Environment() << "HOME=" + home_.path()
                                               << "XDG_CONFIG_HOME=" + home_.filePath("config")
+                                              << "XDG_RUNTIME_DIR=" + home_.filePath("run")
                                               << "QT_QPA_PLATFORM=xcb"
                                               // Empty: a real second, whatever this process has.
                                               << "HOSTWARDEN_TEST_SECOND_MS=" +
