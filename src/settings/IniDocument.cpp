@@ -152,6 +152,11 @@ bool Unquote(const QString& s, qsizetype& pos, QString& out, QString& reason) {
 }
 
 QString DecodeLine(const QByteArray& bytes, bool& ok) {
+    // Most lines are plain ASCII, which needs no decoder.
+    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return (c & 0x80) == 0; })) {
+        ok = true;
+        return QString::fromLatin1(bytes);
+    }
     // ConvertInitialBom: a U+FEFF that starts a line is text, not a byte-order mark.
     QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::ConvertInitialBom);
     QString text = decoder.decode(bytes);
