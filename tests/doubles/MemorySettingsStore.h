@@ -34,11 +34,7 @@ public:
         return names;
     }
     void BeginBatch() override { ++batchDepth_; }
-    void EndBatch() override {
-        if (--batchDepth_ == 0 && batched_ > 0)
-            ++commits;
-        batched_ = batchDepth_ == 0 ? 0 : batched_;
-    }
+    void EndBatch() override { commits += --batchDepth_ == 0 && std::exchange(batched_, 0) > 0; }
 
     // Every key of a section as stored, in write order, "key=value" each.
     QStringList Dump(const QString& app, const QString& section) {
