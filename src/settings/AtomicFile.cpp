@@ -69,7 +69,7 @@ bool MakeFolders(const QString& folder, QString* problem) {
 }
 
 QString TemporaryFilePrefix(const QString& path) {
-    return path + QStringLiteral(".tmp.");
+    return LinkTarget(path) + QStringLiteral(".tmp.");
 }
 
 bool WriteFileAtomically(const QString& linkOrFile, const QByteArray& bytes, QString* problem,

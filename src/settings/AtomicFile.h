@@ -21,5 +21,6 @@ bool WriteFileAtomically(const QString& path, const QByteArray& bytes, QString* 
 // Removes path (an absent file is fine) and makes the removal durable.
 bool RemoveFileDurably(const QString& path, QString* problem);
 
-// The prefix of the temporary files that WriteFileAtomically makes for path.
+// The prefix of the temporary files that WriteFileAtomically makes for path (beside the
+// file that a link at path leads to).
 QString TemporaryFilePrefix(const QString& path);

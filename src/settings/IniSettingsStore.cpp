@@ -14,11 +14,12 @@
 namespace {
 
 // Removes the temporary files that a write cut short (by a crash or a kill) left behind.
-void RemoveStrayTemporaryFiles(const QString& folder, const QString& path) {
-    const QString prefix = QFileInfo(TemporaryFilePrefix(path)).fileName();
+void RemoveStrayTemporaryFiles(const QString& path) {
+    const QFileInfo prefix(TemporaryFilePrefix(path));
+    const QString folder = prefix.path();
     const QStringList names = QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::System);
     for (const QString& name : names)
-        if (name.size() == prefix.size() + 6 && name.startsWith(prefix))
+        if (name.size() == prefix.fileName().size() + 6 && name.startsWith(prefix.fileName()))
             QFile::remove(folder + u'/' + name);
 }
 
@@ -113,17 +114,19 @@ IniSettingsStore::AppFile& IniSettingsStore::Open(const QString& app) {
         return it->second;
     AppFile& f = apps_[app];
     const QString path = filePath(app);
-    RemoveStrayTemporaryFiles(folder_, path);
-
     struct stat st {};
     if (::stat(QFile::encodeName(path).constData(), &st) != 0 &&
-        (errno == ENOENT || errno == ENOTDIR))
+        (errno == ENOENT || errno == ENOTDIR)) {
+        RemoveStrayTemporaryFiles(path);
         return f; // nothing stored yet (a link to no file counts as none)
+    }
     QByteArray bytes;
     if (auto problem = ReadRegularFile(path, bytes)) {
         f.error = SettingsLoadError{path, 0, *problem};
         return f;
     }
+    // Only now: a link may lead anywhere, and only beside a settings file is ours to tidy.
+    RemoveStrayTemporaryFiles(path);
     if (auto problem = ParseIni(bytes, f.doc))
         f.error = SettingsLoadError{path, problem->line, problem->reason};
     return f;
