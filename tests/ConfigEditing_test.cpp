@@ -190,7 +190,7 @@ TEST(SaveConfig, AsksThenRewritesTheWholeSectionOrWritesNothing) {
     m.ui().TXTPassword->setText("secret");
     const MessageRequest question{"Are you sure you want to modify CLAN?", "Save Configuration",
                                   MsgButtons::YesNo, MsgIcon::Critical, MsgDefault::Second};
-    const int writes = m.t.store.writes;
+    const int writes = m.t.store.writes, commits = m.t.store.commits;
     m.t.messages.answers = {MsgAnswer::No};
     CMDSave_Click(*m.w);
     EXPECT_EQ(m.t.messages.shown, QList{question});
@@ -200,6 +200,7 @@ TEST(SaveConfig, AsksThenRewritesTheWholeSectionOrWritesNothing) {
 
     m.t.messages.answers = {MsgAnswer::Yes};
     CMDSave_Click(*m.w);
+    EXPECT_EQ(m.t.store.commits, commits + 1) << "the save reaches the file as one replacement";
     const MessageRequest notice{"CLAN Configuration Saved.", "Configuration Saved", MsgButtons::OK,
                                 MsgIcon::Information, MsgDefault::First};
     EXPECT_EQ(m.t.messages.shown, (QList{question, question, notice}));
@@ -212,6 +213,17 @@ TEST(SaveConfig, AsksThenRewritesTheWholeSectionOrWritesNothing) {
               "forcespawn=True;balance=False;weaponstay=True;falldamage=False;map0=ctf05;"
               "map1=ctf01;mapcount=2;default=1;Mod=Rocketball;Text0=hello;Text1=;"
               "Text2=third;Text3=;MessageOn=1");
+}
+
+// A count edited by hand lists no entry beyond the highest "Conf" key the list holds.
+TEST(FillConfigList, StopsAfterTheHighestStoredEntry) {
+    MainWindow m;
+    m.SeedFirstRun();
+    m.t.Put("ConfName", "ConfCount", "999999999");
+    m.t.Put("ConfName", "conf3", "CLAN");
+    m.Load();
+    EXPECT_EQ(m.ui().LSTConfig->count(), 3);
+    EXPECT_EQ(m.ui().LSTConfig->itemText(2), "CLAN");
 }
 
 TEST(ConfigName, TypedSpacesAreDiscarded) {

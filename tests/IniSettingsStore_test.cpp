@@ -1,4 +1,7 @@
 #include "settings/IniSettingsStore.h"
+#include "settings/ServerConfig.h"
+
+#include "MemorySettingsStore.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,6 +13,7 @@
 #include <functional>
 
 #include <csignal>
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -353,6 +357,76 @@ TEST_F(StoreTest, KilledWriterLeavesOldOrNewValueOfEveryKey) {
         EXPECT_EQ(FolderEntries(folder), QStringList{"Hostwarden 2.0.ini"})
             << "a temporary file survived the next load";
     }
+}
+
+} // namespace
+
+namespace {
+
+// Only a regular file of at most 64 MiB is read; anything else is refused before a byte is
+// read. A link to a regular file is read and written through, and stays a link.
+TEST_F(StoreTest, OnlyARegularFileOfAtMost64MiBIsRead) {
+    QDir().mkpath(folder);
+    const QByteArray path = QFile::encodeName(file);    const QString real = dir.path() + "/real.ini";
+    WriteBytes(real, "[S]\nk=v\n");
+    const std::pair<std::function<void()>, const char*> rows[] = {
+        {[&] { ::mkfifo(path, 0600); }, "it is not a regular file"},
+        {[&] { QFile::link("/dev/zero", file); }, "it is not a regular file"},
+        {[&] { WriteBytes(file, ""), ::truncate(path, (64 << 20) + 1); },
+         "it is larger than 64 MiB"},
+        {[&] { QFile::link(real, file); }, nullptr}};
+    for (const auto& [make, reason] : rows) {
+        QFile::remove(file);
+        make();
+        IniSettingsStore store(folder);
+        EXPECT_EQ(store.loadError(App).value_or(SettingsLoadError{}).reason, QString(reason));
+        store.SaveSetting(App, "S", "k", "w"); // refused unless read
+    }
+    EXPECT_TRUE(QFileInfo(file).isSymLink());
+    EXPECT_EQ(ReadBytes(real), "[S]\nk=w\n");
+}
+
+// A child saves a whole configuration round after round and is killed at random, 300 times:
+// the file holds one round's configuration whole, with its maps and no others.
+TEST_F(StoreTest, KilledSaveLeavesAWholeConfiguration) {
+    const auto save = [&](SettingsStore& store, int round) {
+        AppState s;
+        s.AppName = App;
+        s.CurrentConf = "DEFAULT";
+        const QString r = s.servname = s.password = QString::number(round);
+        SaveConfigSection(store, s, {QStringList(round % 4, r), r, {r, r, r, r}, true});
+    };
+    IniSettingsStore initial(folder);
+    save(initial, 3);
+    QRandomGenerator random(20261125);
+    int partial = 0;
+    for (int run = 1; run <= 300; ++run) {
+        int ready[2];
+        ASSERT_EQ(::pipe(ready), 0);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            IniSettingsStore store(folder);
+            for (int round = run * 1000; ::write(ready[1], "", 1) == 1; ++round)
+                save(store, round);
+            ::_exit(5);
+        }
+        char byte = 0;
+        ASSERT_EQ(::read(ready[0], &byte, 1), 1); // under way
+        ::usleep(useconds_t(random.bounded(0, 6000)));
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+        ::close(ready[0]), ::close(ready[1]);
+
+        // Whole: the very keys and values that saving its round writes, in their order.
+        IniSettingsStore after(folder);
+        QStringList stored;
+        for (const QString& key : after.KeyNames(App, "Default"))
+            stored << key + "=" + after.GetSetting(App, "Default", key);
+        MemorySettingsStore whole;
+        save(whole, stored.value(1).section('=', 1).toInt());
+        partial += stored != whole.Dump(App, "Default");
+    }
+    EXPECT_EQ(partial, 0) << "of 300 kills";
 }
 
 } // namespace

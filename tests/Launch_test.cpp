@@ -3,6 +3,7 @@
 
 #include "ui/server/LaunchHandlers.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -25,9 +26,11 @@ MessageRequest ErrorBox(const QString& text, const QString& title, MsgIcon icon)
 
 } // namespace
 
+// A blank in the game folder's path does not start the program named by its first word.
 TEST(Launch, CommandLineFollowsTheControls) {
     QTemporaryDir dir;
-    const QString gameDir = dir.path() + "/";
+    const QString gameDir = dir.path() + "/Red Faction/";
+    ASSERT_TRUE(QDir().mkpath(gameDir));
     const struct {
         const char* what;
         bool lanOnly, port;

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 namespace {
 
 AppState WorkedExample() {
@@ -33,9 +35,13 @@ TEST(OptionsText, WorkedExampleIsWrittenByteForByte) {
     old.close();
 
     QString error;
+    const mode_t umask = ::umask(0); // the passwords stay the operator's, whatever the umask
     ASSERT_TRUE(WriteOptionsFile(
         gameDir, ComposeOptionsText(WorkedExample(), {"ctf01", "dm \"x\" 02", "é€ ✓ ß"}), &error))
         << error.toStdString();
+    ::umask(umask);
+    EXPECT_EQ(QFile::permissions(old.fileName()),
+              QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
     ASSERT_TRUE(old.open(QIODevice::ReadOnly));
     EXPECT_EQ(old.readAll(),
               texts::kFirstRunOptions + QByteArray("$Map:            \"ctf01\"\r\n"

@@ -88,7 +88,9 @@ TEST(Setup, FirstRunWarnsAndWaitsForTheDirectoryLaterRunsGoStraightToTheMainWind
                 ui.CMDOK->setEnabled(true);
             }
             r.setup->show();
+            const int commits = r.t.store.commits;
             QTest::mouseClick(r.setup->findChild<QPushButton*>(row.button), Qt::LeftButton);
+            EXPECT_EQ(r.t.store.commits - commits, QString(row.button) == "CMDOK") << "at once";
         }
         const bool ends = row.maxplayers.isEmpty();
         EXPECT_EQ(r.t.end.ended, ends ? 1 : 0);
@@ -182,8 +184,12 @@ TEST(LaunchSwitches, ClicksAndTypedPortsAreStored) {
         EXPECT_EQ(m.t.Get("Startup", key), "1") << key;
     EXPECT_TRUE(ui.TXTPort->isEnabled());
     // Only digits and the point stay, the cursor at the end.
+    const QString digits(320, u'7');
+    // clang-format off
     for (const auto& [typed, kept] : QList<QPair<QString, QString>>{
-             {"1234", "1234"}, {"12a34", "1234"}, {"12.5", "12.5"}, {"abc", ""}, {"7 7", "77"}}) {
+             {"1234", "1234"}, {"12a34", "1234"}, {"12.5", "12.5"}, {"abc", ""}, {"7 7", "77"},
+             {digits, digits}, {digits + "x" + digits, digits + digits}}) {
+        // clang-format on
         ui.TXTPort->setText(typed);
         EXPECT_EQ(ui.TXTPort->text(), kept) << typed.toStdString();
         EXPECT_EQ(ui.TXTPort->cursorPosition(), kept.size()) << typed.toStdString();

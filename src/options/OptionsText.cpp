@@ -1,6 +1,7 @@
 #include "options/OptionsText.h"
 
 #include "platform/Ansi.h"
+#include "settings/AtomicFile.h"
 
 #include <QFile>
 
@@ -44,18 +45,13 @@ QString ComposeOptionsText(const AppState& s, const QStringList& maps) {
 }
 
 bool WriteOptionsFile(const QString& gameDir, const QString& text, QString* error) {
+    // The file holds the passwords, so it is the operator's alone; written to a new file
+    // and renamed over the old one, it is never missing or half written.
     const QString path = gameDir + QStringLiteral("dedicated_server.txt");
-    QFile file(path);
-    if (file.exists() && !file.remove()) {
-        if (error)
-            *error = QStringLiteral("%1 could not be replaced: %2").arg(path, file.errorString());
-        return false;
-    }
-    const QByteArray bytes = ToAnsi(text);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
-        if (error)
-            *error = QStringLiteral("%1 could not be written: %2").arg(path, file.errorString());
-        return false;
-    }
-    return true;
+    QString problem;
+    if (WriteFileAtomically(path, ToAnsi(text), &problem, MissingFolder::Fail))
+        return true;
+    if (error)
+        *error = QStringLiteral("%1 could not be written: %2").arg(path, problem);
+    return false;
 }

@@ -10,5 +10,6 @@
 QString ComposeOptionsText(const AppState& state, const QStringList& maps);
 
 // Replaces gameDir + "dedicated_server.txt" with `text`, one Windows-1252 byte per
-// character. Returns false and sets `error` when the file cannot be written.
+// character, atomically and readable by the owner only; the folder must exist. Returns false and
+// sets `error` when the file cannot be written.
 bool WriteOptionsFile(const QString& gameDir, const QString& text, QString* error);

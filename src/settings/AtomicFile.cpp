@@ -1,6 +1,7 @@
 #include "settings/AtomicFile.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <cstring>
@@ -21,6 +22,14 @@ bool Fail(QString* problem, const QString& what, int error) {
     if (problem)
         *problem = what + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(error));
     return false;
+}
+
+// The file that writing to path changes: path itself, or where its links lead.
+QString LinkTarget(const QString& path) {
+    QString target = path;
+    for (int hops = 0; hops < 40 && QFileInfo(target).isSymLink(); ++hops)
+        target = QFileInfo(target).symLinkTarget();
+    return target;
 }
 
 bool SyncFolder(const QString& folder, QString* problem) {
@@ -60,12 +69,14 @@ bool MakeFolders(const QString& folder, QString* problem) {
 }
 
 QString TemporaryFilePrefix(const QString& path) {
-    return path + QStringLiteral(".tmp.");
+    return LinkTarget(path) + QStringLiteral(".tmp.");
 }
 
-bool WriteFileAtomically(const QString& path, const QByteArray& bytes, QString* problem) {
+bool WriteFileAtomically(const QString& linkOrFile, const QByteArray& bytes, QString* problem,
+                         MissingFolder missing) {
+    const QString path = LinkTarget(linkOrFile);
     const QString folder = FolderOf(path);
-    if (!MakeFolders(folder, problem))
+    if (missing == MissingFolder::Create && !MakeFolders(folder, problem))
         return false;
 
     QByteArray tempName = QFile::encodeName(TemporaryFilePrefix(path)) + "XXXXXX";

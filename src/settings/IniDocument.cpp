@@ -152,6 +152,11 @@ bool Unquote(const QString& s, qsizetype& pos, QString& out, QString& reason) {
 }
 
 QString DecodeLine(const QByteArray& bytes, bool& ok) {
+    // Most lines are plain ASCII, which needs no decoder.
+    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return (c & 0x80) == 0; })) {
+        ok = true;
+        return QString::fromLatin1(bytes);
+    }
     // ConvertInitialBom: a U+FEFF that starts a line is text, not a byte-order mark.
     QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::ConvertInitialBom);
     QString text = decoder.decode(bytes);
@@ -162,39 +167,55 @@ QString DecodeLine(const QByteArray& bytes, bool& ok) {
 } // namespace
 
 IniDocument::Section* IniDocument::findSection(const QString& folded) {
-    for (Section& s : sections_)
-        if (s.folded == folded)
-            return &s;
-    return nullptr;
+    const auto it = index_.constFind(folded);
+    return it == index_.cend() ? nullptr : &sections_[*it];
 }
 
+const IniDocument::Section* IniDocument::section(const QString& name) const {
+    const auto it = index_.constFind(name.toCaseFolded());
+    return it == index_.cend() ? nullptr : &sections_[*it];
+}
+
+void IniDocument::reindex() {
+    index_.clear();
+    for (size_t i = 0; i < sections_.size(); ++i)
+        index_.insert(sections_[i].folded, i);
+}
+
+namespace {
+
+void ReindexEntries(IniDocument::Section& s) {
+    s.index.clear();
+    for (size_t i = 0; i < s.entries.size(); ++i)
+        s.index.insert(s.entries[i].folded, i);
+}
+
+} // namespace
+
 const QString* IniDocument::value(const QString& section, const QString& key) const {
-    const QString sectionFolded = section.toCaseFolded();
-    for (const Section& s : sections_) {
-        if (s.folded != sectionFolded)
-            continue;
-        const QString keyFolded = key.toCaseFolded();
-        for (const Entry& e : s.entries)
-            if (e.folded == keyFolded)
-                return &e.value;
+    const Section* s = this->section(section);
+    if (!s)
         return nullptr;
-    }
-    return nullptr;
+    const auto it = s->index.constFind(key.toCaseFolded());
+    return it == s->index.cend() ? nullptr : &s->entries[*it].value;
 }
 
 bool IniDocument::set(const QString& section, const QString& key, const QString& value) {
     const QString sectionFolded = section.toCaseFolded();
     Section* s = findSection(sectionFolded);
-    if (!s)
-        s = &sections_.emplace_back(Section{section, sectionFolded, {}});
+    if (!s) {
+        index_.insert(sectionFolded, sections_.size());
+        s = &sections_.emplace_back(Section{section, sectionFolded, {}, {}});
+    }
     const QString keyFolded = key.toCaseFolded();
-    for (Entry& e : s->entries)
-        if (e.folded == keyFolded) {
-            if (e.value == value)
-                return false;
-            e.value = value;
-            return true;
-        }
+    if (const auto it = s->index.constFind(keyFolded); it != s->index.cend()) {
+        Entry& e = s->entries[*it];
+        if (e.value == value)
+            return false;
+        e.value = value;
+        return true;
+    }
+    s->index.insert(keyFolded, s->entries.size());
     s->entries.push_back(Entry{key, keyFolded, value});
     return true;
 }
@@ -209,17 +230,24 @@ bool IniDocument::remove(const QString& section, const QString& key) {
     // A section whose last key goes is dropped, so the file keeps no empty headers.
     if (s->entries.empty())
         removeSection(section);
+    else if (removed > 0)
+        ReindexEntries(*s);
     return removed > 0;
 }
 
 bool IniDocument::removeSection(const QString& section) {
     const QString folded = section.toCaseFolded();
-    return std::erase_if(sections_, [&](const Section& s) { return s.folded == folded; }) > 0;
+    if (!index_.contains(folded))
+        return false;
+    std::erase_if(sections_, [&](const Section& s) { return s.folded == folded; });
+    reindex();
+    return true;
 }
 
 bool IniDocument::clear() {
     const bool had = !sections_.empty();
     sections_.clear();
+    index_.clear();
     return had;
 }
 

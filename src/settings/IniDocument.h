@@ -1,14 +1,15 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QString>
 
 #include <optional>
 #include <vector>
 
 // The contents of one settings file: sections of key=value entries, both in
-// first-write order. Names are found by their case-folded form and keep the
-// spelling of their first write.
+// first-write order. Names are found by their case-folded form, through an index so
+// that lookups do not grow with the file, and keep the spelling of their first write.
 class IniDocument {
 public:
     struct Entry {
@@ -20,6 +21,7 @@ public:
         QString name;
         QString folded;
         std::vector<Entry> entries;
+        QHash<QString, size_t> index; // folded key -> position in entries
     };
 
     // The stored value, or nullptr when the section or key is absent.
@@ -32,10 +34,13 @@ public:
 
     bool isEmpty() const { return sections_.empty(); }
     const std::vector<Section>& sections() const { return sections_; }
+    const Section* section(const QString& name) const;
 
 private:
     Section* findSection(const QString& folded);
+    void reindex();
     std::vector<Section> sections_;
+    QHash<QString, size_t> index_; // folded section name -> position in sections_
 };
 
 struct IniParseError {

@@ -21,7 +21,10 @@ QString SettingsLoadErrorMessage(const SettingsLoadError& error);
 
 // One INI file per application name, "<folder>/<app>.ini". Each file is read once, on
 // the first use of its application, and every change is written through at once by
-// replacing the whole file atomically.
+// replacing the whole file atomically; inside a batch, once at the batch's end.
+//
+// Only a regular file of at most kMaxSettingsFileSize bytes is read (a symbolic link to
+// one is followed, and written through).
 //
 // A file that cannot be read is never written: its application reads as empty, every
 // write and delete does nothing, and loadError() says why. A write that fails keeps
@@ -50,6 +53,11 @@ public:
     void DeleteSetting(const QString& app, const QString& section, const QString& key) override;
     void DeleteSection(const QString& app, const QString& section) override;
     void DeleteAll(const QString& app) override;
+    QStringList KeyNames(const QString& app, const QString& section) override;
+    void BeginBatch() override { ++batchDepth_; }
+    void EndBatch() override;
+
+    static constexpr qint64 kMaxSettingsFileSize = 64 * 1024 * 1024;
 
 private:
     struct AppFile {
@@ -57,6 +65,7 @@ private:
         std::optional<SettingsLoadError> error;
         bool unsaved = false;  // the file lags behind doc after a failed write
         bool reported = false; // the handler has been told since the last good write
+        bool pending = false;  // changed inside the running batch
     };
 
     AppFile& Open(const QString& app);
@@ -66,4 +75,5 @@ private:
     QString folder_;
     std::map<QString, AppFile> apps_;
     ErrorHandler onError_;
+    int batchDepth_ = 0;
 };

@@ -3,6 +3,8 @@
 #include "platform/SettingsStore.h"
 #include "settings/ProjectInfo.h"
 
+#include <algorithm>
+
 QString DefaultMessage0() {
     return QStringLiteral("This Dedicated Server is running with Hostwarden 2.0 by Velloquin");
 }
@@ -53,6 +55,7 @@ void WriteDefaults(SettingsStore& store, const QString& app, const QString& sect
 } // namespace
 
 void CreateDefaultConfig(SettingsStore& store, const QString& app) {
+    const SettingsBatch batch(store);
     WriteDefaults(store, app, "Default", "$Me's Dedicated CTF Running Hostwarden 2.0", "Default",
                   true);
     store.SaveSetting(app, "ConfName", "ConfCount", "1");
@@ -61,11 +64,63 @@ void CreateDefaultConfig(SettingsStore& store, const QString& app) {
 
 void CreateNewConfig(SettingsStore& store, AppState& state) {
     const QString& section = state.CurrentConf;
+    const SettingsBatch batch(store);
     if (store.GetSetting(state.AppName, section, "default") == "1")
         store.DeleteSection(state.AppName, section);
     WriteDefaults(store, state.AppName, section, "$Me's Dedicated CTF running Hostwarden 2.0",
                   section, false);
     state.Saved = "yes";
+}
+
+void SaveConfigSection(SettingsStore& store, const AppState& s, const WindowFields& fields) {
+    const SettingsBatch batch(store);
+    const auto put = [&](const QString& key, const QString& value) {
+        store.SaveSetting(s.AppName, s.CurrentConf, key, value);
+    };
+    // The whole section is rewritten, so that no map beyond the new count survives.
+    if (store.GetSetting(s.AppName, s.CurrentConf, "default") == QLatin1String("1"))
+        store.DeleteSection(s.AppName, s.CurrentConf);
+    put("gametype", s.gametype);
+    put("servname", s.servname);
+    put("name", s.CurrentConf);
+    put("maxplayers", s.maxplayers);
+    put("password", s.password);
+    put("rconpass", s.rconpass);
+    put("maxtime", s.maxtime);
+    put("maxcaps", s.maxcaps);
+    put("maxkills", s.maxkills);
+    put("maxgeo", s.maxgeo);
+    const auto word = [](VBool b) { return b ? QStringLiteral("True") : QStringLiteral("False"); };
+    put("teamdamage", word(s.teamdamage));
+    put("forcespawn", word(s.forcespawn));
+    put("balance", word(s.balance));
+    put("weaponstay", word(s.weaponstay));
+    put("falldamage", word(s.falldamage));
+    for (int i = 0; i < fields.maps.size(); ++i)
+        put("map" + QString::number(i), fields.maps[i]);
+    put("mapcount", QString::number(fields.maps.size()));
+    put("default", "1");
+    put("Mod", fields.mod);
+    for (int i = 0; i < fields.messages.size(); ++i)
+        put("Text" + QString::number(i), fields.messages[i]);
+    put("MessageOn", fields.messageOn ? "1" : "0");
+}
+
+int StoredCount(SettingsStore& store, const QString& app, const QString& section,
+                const QString& countKey, const QString& prefix, int first) {
+    const int count = ReadNumber(store.GetSetting(app, section, countKey)).value_or(0);
+    int highest = first - 1;
+    for (const QString& key : store.KeyNames(app, section)) {
+        if (!key.startsWith(prefix, Qt::CaseInsensitive))
+            continue;
+        const QStringView digits = QStringView(key).mid(prefix.size());
+        bool ok = !digits.isEmpty() && std::all_of(digits.begin(), digits.end(),
+                                                   [](QChar c) { return c >= u'0' && c <= u'9'; });
+        const int index = ok ? digits.toInt(&ok) : 0;
+        if (ok)
+            highest = std::max(highest, index);
+    }
+    return std::clamp(count, 0, highest - first + 1);
 }
 
 std::optional<int> ReadNumber(const QString& text) {

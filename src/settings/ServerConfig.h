@@ -3,6 +3,7 @@
 #include "server/AppState.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -15,6 +16,24 @@ void CreateDefaultConfig(SettingsStore& store, const QString& app);
 // Writes the section named CurrentConf with the new-configuration defaults, replacing
 // a stored configuration of that name, and marks the configuration saved.
 void CreateNewConfig(SettingsStore& store, AppState& state);
+
+// The fields of a configuration that live in the main window's controls, not in AppState.
+struct WindowFields {
+    QStringList maps;
+    QString mod;
+    QStringList messages;
+    bool messageOn = false;
+};
+
+// Writes the working configuration into the section named CurrentConf, replacing a
+// stored configuration of that name, as one change of the store.
+void SaveConfigSection(SettingsStore& store, const AppState& state, const WindowFields& fields);
+
+// The count stored under countKey of section, never beyond the keys prefix + first,
+// prefix + (first + 1), ... that the section actually holds: the highest such key ends
+// the count, so a count edited by hand cannot run past the entries.
+int StoredCount(SettingsStore& store, const QString& app, const QString& section,
+                const QString& countKey, const QString& prefix, int first);
 
 // Reading rules for stored fields. A number is decimal text; a boolean is "true" or
 // "false" in any letter case. Anything else reads as nothing.

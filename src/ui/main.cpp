@@ -2,11 +2,13 @@
 #include "platform/posix/PosixProcessLauncher.h"
 #include "platform/qt/QtMessageBoxes.h"
 #include "platform/qt/QtServices.h"
+#include "platform/qt/SingleInstance.h"
 #include "platform/x11/X11Keyboard.h"
 #include "platform/x11/X11WindowServices.h"
 #include "server/AppState.h"
 #include "settings/IniSettingsStore.h"
 #include "settings/ProjectInfo.h"
+#include "ui/Hostwarden.h"
 #include "ui/Setup.h"
 #include "ui/WindowRegistry.h"
 #include "ui/server/SetupHandlers.h"
@@ -48,6 +50,24 @@ int main(int argc, char** argv) {
     QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 7));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/ui/images/icon32.png")));
 
+    X11WindowServices windows;
+    WindowRegistry forms;
+    // A second start brings the running window forward and ends before it reads or
+    // writes any settings.
+    SingleInstance instance([&] {
+        QWidget* front = QApplication::activeModalWidget();
+        if (!front)
+            front = forms.MainWindow ? static_cast<QWidget*>(forms.MainWindow) : forms.Setup;
+        if (!front)
+            return;
+        front->showNormal();
+        front->raise();
+        front->activateWindow();
+        windows.Activate(static_cast<WindowHandle>(front->winId()));
+    });
+    if (!instance.Claim())
+        return 0;
+
     QtMessageBoxes messages;
     IniSettingsStore store;
     if (const auto error = store.loadError(kAppName)) {
@@ -64,12 +84,10 @@ int main(int argc, char** argv) {
     ImmediateEnd end;
     QtRandom random;
     PosixProcessLauncher launcher;
-    X11WindowServices windows;
     X11Keyboard keyboard;
     Services services{store, messages, beeper, end, random, launcher, windows, keyboard};
 
     AppState state;
-    WindowRegistry forms;
     auto* setup = new Setup(state, forms, services);
     forms.Setup = setup;
     Setup_Form_Load(*setup);

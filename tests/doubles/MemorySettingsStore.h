@@ -26,6 +26,15 @@ public:
         Write(app).removeSection(section);
     }
     void DeleteAll(const QString& app) override { Write(app).clear(); }
+    QStringList KeyNames(const QString& app, const QString& section) override {
+        QStringList names;
+        if (const auto* s = files_[app].section(section))
+            for (const auto& e : s->entries)
+                names << e.name;
+        return names;
+    }
+    void BeginBatch() override { ++batchDepth_; }
+    void EndBatch() override { commits += --batchDepth_ == 0 && std::exchange(batched_, 0) > 0; }
 
     // Every key of a section as stored, in write order, "key=value" each.
     QStringList Dump(const QString& app, const QString& section) {
@@ -38,11 +47,14 @@ public:
     }
     bool IsEmpty(const QString& app) { return files_[app].isEmpty(); }
     int writes = 0;
+    int commits = 0; // how often a file store would have replaced its file
 
 private:
     IniDocument& Write(const QString& app) {
         ++writes;
+        ++(batchDepth_ > 0 ? batched_ : commits);
         return files_[app];
     }
+    int batchDepth_ = 0, batched_ = 0;
     std::map<QString, IniDocument> files_;
 };

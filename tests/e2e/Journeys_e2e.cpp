@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QRegularExpression>
 
+#include <sys/stat.h>
+
 using namespace e2e;
 
 namespace {
@@ -121,5 +123,40 @@ TEST_P(Launch, WritesTheOptionsStartsTheServerStoresAndExitClosesIt) {
 }
 
 INSTANTIATE_TEST_SUITE_P(ListEntries, Launch, testing::Values("DEFAULT", "Default"));
+
+// A FIFO as settings file gives "Settings Error"; a huge ConfCount still opens the window; 320
+// typed port digits stay; a second start brings the first forward; a dead one blocks nothing.
+TEST_F(Journey, HandEditsAndASecondStartAreSurvived) {
+    ASSERT_EQ(::mkfifo(QFile::encodeName(SettingsFile()).constData(), 0600), 0);
+    hostwarden_ = StartHostwarden();
+    const auto refused = desktop_.WaitFor("Settings Error", 10s);
+    ASSERT_TRUE(refused) << "windows: " << Windows();
+    ASSERT_TRUE(Answer(*refused, "Return"));
+    EXPECT_TRUE(hostwarden_.WaitForExit(10s));
+    ASSERT_TRUE(QFile::remove(SettingsFile()));
+
+    Seed(LaterRun{});
+    Seed(Settings().replace("ConfCount=1", "ConfCount=999999999"));
+    hostwarden_ = StartHostwarden();
+    main_ = desktop_.WaitFor(kMainTitle, 5s).value_or(0);
+    ASSERT_NE(main_, 0u) << "no main window within 5 s; windows: " << Windows();
+
+    const QString digits(320, u'7');
+    ASSERT_TRUE(ClickMain("CHKPort") && ClickMain("TXTPort"));
+    ASSERT_TRUE(desktop_.Run("xdotool", {"type", "--delay", "2", digits}));
+    EXPECT_TRUE(WaitUntil([&] { return Section("Startup").contains("PortNum=" + digits); }, 10s));
+    ASSERT_TRUE(ClickMain("CMDMin"));
+    ASSERT_TRUE(WaitUntil([&] { return desktop_.Active() != main_; }, 10s));
+    Process second = StartHostwarden();
+    EXPECT_TRUE(second.WaitForExit(10s));
+    // It comes forward only if its window still answers after the digits.
+    EXPECT_TRUE(WaitUntil([&] { return desktop_.Active() == main_; }, 10s));
+    EXPECT_EQ(desktop_.Titles().count(kMainTitle), 1) << Windows();
+    ASSERT_TRUE(hostwarden_.IsRunning());
+
+    hostwarden_.Stop(); // SIGTERM: no handler runs, the socket file stays
+    hostwarden_ = StartHostwarden();
+    EXPECT_TRUE(desktop_.WaitFor(kMainTitle, 10s)) << "windows: " << Windows();
+}
 
 } // namespace

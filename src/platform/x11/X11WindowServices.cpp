@@ -401,7 +401,12 @@ ActivateResult X11WindowServices::ActivateByTitle(const QString& title) {
     }
     if (!target)
         return ActivateResult::NotFound;
+    return Activate(target);
+}
 
+ActivateResult X11WindowServices::Activate(WindowHandle target) {
+    if (!IsConnected())
+        return ActivateResult::NotFound;
     ErrorTrap trap(display_);
     if (HasWindowManager()) {
         SendToRoot(target, NetActiveWindow, kSourceIndicationPager, CurrentTime);

@@ -36,6 +36,8 @@ public:
     WindowHandle MainWindow() override { return mainWindow_; }
     void ProcessPendingEvents() override;
     ActivateResult ActivateByTitle(const QString& title) override;
+    // Brings `window` to the front with the input focus, as a pager would ask for it.
+    ActivateResult Activate(WindowHandle window);
 
     // Client windows in stacking order, top first.
     std::vector<WindowHandle> ClientWindows();

@@ -34,6 +34,12 @@ void CMDLaunch_Click(Hostwarden& w) {
     SaveConfig(w);
 
     QString commandLine = ServerCommandLine(w);
+    // Quoted, a program path with blanks is started whole instead of being cut at its
+    // first blank; the start takes the quotes off again.
+    const QString program = w.app.GameDir + w.app.ServerExe;
+    if (program.contains(QLatin1Char(' ')) && !program.contains(QLatin1Char('"')))
+        commandLine =
+            QLatin1Char('"') + program + QLatin1Char('"') + commandLine.mid(program.size());
     if (ui.CHKGameTracker->isChecked())
         commandLine += QStringLiteral(" -lanonly");
     if (ui.CHKPort->isChecked()) {

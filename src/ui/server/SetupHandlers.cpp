@@ -59,10 +59,14 @@ void Setup_CMDOK_Click(Setup& s) {
     AppState& app = s.app;
     SettingsStore& store = s.services.store;
     app.GameDir = s.ui->TXTRFLocate->text();
-    store.SaveSetting(app.AppName, "Startup", "HasRunSetup", "1");
-    store.SaveSetting(app.AppName, "Startup", "RFLocation", app.GameDir);
-    if (app.SetupDone.isEmpty())
-        CreateDefaultConfig(store, app.AppName);
+    {
+        // The first-run flag is never stored without the configuration it promises.
+        const SettingsBatch batch(store);
+        store.SaveSetting(app.AppName, "Startup", "HasRunSetup", "1");
+        store.SaveSetting(app.AppName, "Startup", "RFLocation", app.GameDir);
+        if (app.SetupDone.isEmpty())
+            CreateDefaultConfig(store, app.AppName);
+    }
 
     WindowRegistry& forms = s.forms;
     if (!forms.MainWindow) {

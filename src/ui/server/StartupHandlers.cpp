@@ -8,7 +8,7 @@
 #include "ui/settings/ConfigHandlers.h"
 #include "ui_Hostwarden.h"
 
-#include <cmath>
+#include <QRegularExpression>
 
 namespace {
 
@@ -122,10 +122,9 @@ void TXTPort_Change(Hostwarden& w) {
 }
 
 bool IsNumeric(const QString& text) {
-    const QString t = text.trimmed();
-    if (t.isEmpty())
-        return false;
-    bool ok = false;
-    const double value = t.toDouble(&ok);
-    return ok && std::isfinite(value);
+    // Judged on the text alone: a conversion would overflow on a long run of digits and
+    // fail a text that is plainly a number.
+    static const QRegularExpression number(
+        QStringLiteral(R"(^[ \t]*[+-]?([0-9]+\.?[0-9]*|\.[0-9]+)([eE][+-]?[0-9]+)?[ \t]*$)"));
+    return number.match(text).hasMatch();
 }

@@ -15,10 +15,6 @@ QString Get(Hostwarden& w, const QString& key) {
     return w.services.store.GetSetting(w.app.AppName, w.app.CurrentConf, key);
 }
 
-void Put(Hostwarden& w, const QString& key, const QString& value) {
-    w.services.store.SaveSetting(w.app.AppName, w.app.CurrentConf, key, value);
-}
-
 // Selects the entry showing `stored` in a list of consecutive numbers starting at
 // `first`. A value that is not a number of the list selects the default instead.
 void SelectNumber(QComboBox* list, const QString& stored, int first, int fallback) {
@@ -43,8 +39,7 @@ void FillConfigList(Hostwarden& w) {
         const QSignalBlocker quiet(list);
         list->clear();
         const int count =
-            ReadNumber(w.services.store.GetSetting(w.app.AppName, "ConfName", "ConfCount"))
-                .value_or(0);
+            StoredCount(w.services.store, w.app.AppName, "ConfName", "ConfCount", "Conf", 1);
         for (int i = 1; i <= count; ++i)
             list->addItem(w.services.store.GetSetting(w.app.AppName, "ConfName",
                                                       "Conf" + QString::number(i)));
@@ -108,36 +103,11 @@ void LoadConfig(Hostwarden& w) {
 }
 
 void SaveConfig(Hostwarden& w) {
-    auto& ui = *w.ui;
-    const AppState& s = w.app;
-    if (Get(w, "default") == QLatin1String("1"))
-        w.services.store.DeleteSection(s.AppName, s.CurrentConf);
-    Put(w, "gametype", s.gametype);
-    Put(w, "servname", s.servname);
-    Put(w, "name", s.CurrentConf);
-    Put(w, "maxplayers", s.maxplayers);
-    Put(w, "password", s.password);
-    Put(w, "rconpass", s.rconpass);
-    Put(w, "maxtime", s.maxtime);
-    Put(w, "maxcaps", s.maxcaps);
-    Put(w, "maxkills", s.maxkills);
-    Put(w, "maxgeo", s.maxgeo);
-    const auto word = [](VBool b) { return b ? QStringLiteral("True") : QStringLiteral("False"); };
-    Put(w, "teamdamage", word(s.teamdamage));
-    Put(w, "forcespawn", word(s.forcespawn));
-    Put(w, "balance", word(s.balance));
-    Put(w, "weaponstay", word(s.weaponstay));
-    Put(w, "falldamage", word(s.falldamage));
-    const QStringList maps = MapList(w);
-    for (int i = 0; i < maps.size(); ++i)
-        Put(w, "map" + QString::number(i), maps[i]);
-    Put(w, "mapcount", QString::number(maps.size()));
-    Put(w, "default", "1");
-    Put(w, "Mod", ui.TXTMod->text());
-    for (int i = 0; i < int(w.TXTMess.size()); ++i)
-        Put(w, "Text" + QString::number(i), w.TXTMess[i]->text());
-    Put(w, "MessageOn", ui.CHKMessage->isChecked() ? "1" : "0");
-    ui.TXTConfName->setText(w.app.CurrentConf);
+    WindowFields fields{MapList(w), w.ui->TXTMod->text(), {}, w.ui->CHKMessage->isChecked()};
+    for (const QLineEdit* box : w.TXTMess)
+        fields.messages << box->text();
+    SaveConfigSection(w.services.store, w.app, fields);
+    w.ui->TXTConfName->setText(w.app.CurrentConf);
     w.app.Saved = QStringLiteral("yes");
 }
 

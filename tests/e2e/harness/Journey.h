@@ -51,7 +51,7 @@ protected:
         // Copies keep their permissions, so RF.EXE stays executable.
         std::filesystem::copy(DEMO_GAME_DIR, game_.toStdString(),
                               std::filesystem::copy_options::recursive);
-        if (!QDir(home_.path()).mkpath("config/Hostwarden"))
+        if (!QDir(home_.path()).mkpath("config/Hostwarden") || !QDir(home_.path()).mkpath("run"))
             throw std::runtime_error("cannot prepare the home");
         QFile::remove(ArtifactPath(TestName() + "-hostwarden.log"));
     }
@@ -103,6 +103,7 @@ protected:
         return Process(program, {},
                        desktop_.Environment() << "HOME=" + home_.path()
                                               << "XDG_CONFIG_HOME=" + home_.filePath("config")
+                                              << "XDG_RUNTIME_DIR=" + home_.filePath("run")
                                               // Empty: a real second, whatever this process has.
                                               << "HOSTWARDEN_TEST_SECOND_MS=" +
                                                      (secondMs ? QString::number(*secondMs) : ""),
