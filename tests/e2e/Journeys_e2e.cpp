@@ -5,16 +5,18 @@
 
 #include <QFile>
 #include <QRegularExpression>
+#include <QThread>
 
 using namespace e2e;
 
 namespace {
 
-// The warning's Cancel ends the program and stores nothing; its OK leads to Setup, whose OK
-// stores the first-run configuration and opens the main window. A later start goes straight
-// to the main window and keeps the operator's own values; Minimize iconifies it.
+// The warning's Cancel ends the program and stores nothing; its OK leads to Setup, where
+// Browse finds the game directory: a folder without RF.EXE cannot be taken, the game's can.
+// Setup's OK stores the first-run configuration and opens the main window. A later start goes
+// straight to the main window and keeps the operator's own values; Minimize iconifies it.
 TEST_F(Journey, FirstRunWarningSetupAndALaterStart) {
-    const QByteArray seeded = "[Startup]\nRFLocation=" + GameDir().toUtf8() + "\n";
+    const QByteArray seeded = "";
     Seed(seeded);
     hostwarden_ = StartHostwarden();
     auto warning = desktop_.WaitFor("Warning");
@@ -30,6 +32,19 @@ TEST_F(Journey, FirstRunWarningSetupAndALaterStart) {
     ASSERT_TRUE(Answer(*warning, "Return"));
     const auto setup = desktop_.WaitFor("Setup");
     ASSERT_TRUE(setup) << "no Setup after the warning's OK";
+    ASSERT_TRUE(Click(*setup, "Setup", "CMDOK"));
+    ASSERT_TRUE(Click(*setup, "Setup", "CMDBrowse"));
+    const auto browse = desktop_.WaitFor("Browse");
+    ASSERT_TRUE(browse) << "no Browse; windows: " << Windows();
+    EXPECT_FALSE(desktop_.Find(kMainTitle)) << "Setup's OK is disabled without a directory";
+    // The folder list opens at the home, which holds "config" and the game.
+    ASSERT_TRUE(Answer(*browse, "Tab") && Type("config"));
+    ASSERT_TRUE(Click(*browse, "Browse", "CMDOK"));
+    QThread::msleep(500);
+    EXPECT_TRUE(desktop_.Exists(*browse)) << "OK taken in a folder without RF.EXE";
+    ASSERT_TRUE(Type("game"));
+    ASSERT_TRUE(Click(*browse, "Browse", "CMDOK"));
+    ASSERT_TRUE(desktop_.WaitGone(*browse)) << "OK not taken in the game directory";
     ASSERT_TRUE(Click(*setup, "Setup", "CMDOK"));
     main_ = desktop_.WaitFor(kMainTitle).value_or(0);
     ASSERT_TRUE(main_) << "Setup's OK did not lead on; windows: " << Windows();
@@ -75,6 +90,72 @@ TEST_F(Journey, FirstRunWarningSetupAndALaterStart) {
     ASSERT_TRUE(ClickMain("CMDMin"));
     EXPECT_TRUE(WaitUntil(iconic, 10s)) << "Minimize did not iconify the main window";
     EXPECT_TRUE(hostwarden_.IsRunning());
+}
+
+// New takes a typed name without its blanks, in capitals; Copy carries the fields but not the
+// mod; Delete renumbers the list. A mod picked in the Mods dialog ends the next launch's command
+// line; Remove drops it again.
+TEST_F(Journey, ConfigurationListAndMods) {
+    ASSERT_NO_FATAL_FAILURE(StartMain());
+    ASSERT_TRUE(ClickMain("CMDNew"));
+    auto name = desktop_.WaitFor("Name?");
+    ASSERT_TRUE(name) << "no NewConf; windows: " << Windows();
+    ASSERT_TRUE(desktop_.Activate(*name) && Type("test 1") && desktop_.Key("Return"));
+    ASSERT_TRUE(desktop_.WaitGone(*name));
+    EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=2", "Conf1=DEFAULT", "Conf2=TEST1"}));
+    const QStringList test1 = Section("TEST1");
+    EXPECT_TRUE(test1.contains("servname=$Me's Dedicated CTF running Hostwarden 2.0"))
+        << test1.join('\n');
+
+    ASSERT_TRUE(ClickMain("CMDCopy"));
+    auto copy = desktop_.WaitFor("Copy TEST1 to:");
+    ASSERT_TRUE(copy) << "no CopyConfig; windows: " << Windows();
+    ASSERT_TRUE(Click(*copy, "CopyConfig", "TXTNewName") && Type("copy") && desktop_.Key("Return"));
+    ASSERT_TRUE(desktop_.WaitGone(*copy));
+    // Key names compare without regard to case; the copy writes some in another case.
+    const auto keysFolded = [&](const QString& section) {
+        QStringList lines = Section(section);
+        for (QString& line : lines)
+            line = line.section('=', 0, 0).toLower() + "=" + line.section('=', 1);
+        return lines;
+    };
+    QStringList copied = keysFolded("COPY");
+    const QStringList original = keysFolded("TEST1");
+    EXPECT_TRUE(copied.removeAll("name=COPY") && original.contains("name=TEST1"));
+    for (const QString& line : copied)
+        EXPECT_TRUE(original.contains(line) && !line.startsWith("mod=")) << line;
+    EXPECT_EQ(copied.size(), original.size() - 2) << "all but the name and the mod";
+
+    // The list's edit field takes the focus; Up selects the entry before COPY.
+    ASSERT_TRUE(ClickMain("LSTConfig") && desktop_.Key("Up") && ClickMain("CMDDelete"));
+    auto question = desktop_.WaitFor("Delete Configuration?");
+    ASSERT_TRUE(question && Answer(*question, "alt+y"));
+    auto notice = desktop_.WaitFor("Settings Deleted");
+    ASSERT_TRUE(notice && Answer(*notice, "Return"));
+    EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=2", "Conf1=DEFAULT", "Conf2=COPY"}));
+    EXPECT_TRUE(Section("TEST1").isEmpty());
+
+    // Demo mods: Classic and Rocketball hold packages; EmptyMod and Nested do not.
+    for (const auto& [keys, mod] :
+         {std::pair{"Down Down", "Rocketball"}, {"Down Up", "Classic"}, {"", "None"}}) {
+        if (QString(keys).isEmpty()) {
+            ASSERT_TRUE(ClickMain("CMDRemovemod"));
+        } else {
+            ASSERT_TRUE(ClickMain("CMDMod"));
+            auto mods = desktop_.WaitFor("Select a mod from the list");
+            ASSERT_TRUE(mods && desktop_.Activate(*mods));
+            for (const QString& key : QString(keys).split(' '))
+                ASSERT_TRUE(desktop_.Key(key));
+            ASSERT_TRUE(Click(*mods, "Mods", "CMDOK"));
+            ASSERT_TRUE(desktop_.WaitGone(*mods));
+        }
+        QFile::remove(GameFile("commandline.txt"));
+        ASSERT_TRUE(ClickMain("CMDLaunch"));
+        ASSERT_TRUE(WaitUntil([&] { return !GameLines("commandline.txt").isEmpty(); }, 20s));
+        const QStringList extra = QString(mod) == "None" ? QStringList() : QStringList{"-mod", mod};
+        EXPECT_EQ(GameLines("commandline.txt").mid(1),
+                  QStringList({"-dedicated", "DEFAULT"}) + extra);
+    }
 }
 
 class Launch : public Journey, public testing::WithParamInterface<const char*> {};
