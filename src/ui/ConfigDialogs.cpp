@@ -24,6 +24,7 @@ template <class Dialog> bool NameKey(Dialog& d, QObject* watched, QEvent* event)
 
 NewConf::NewConf(Hostwarden& main) : main(main), ui(std::make_unique<Ui::NewConf>()) {
     ui->setupUi(this);
+    setWindowFlags(Qt::Dialog); // the dialog border, no taskbar entry
     auto* d = this;
     connect(ui->TXTNewName, &QLineEdit::textChanged, this, [d] { TXTNewName_Change(*d); });
     connect(ui->CMDOK, &QAbstractButton::clicked, this, [d] { NewConf_CMDOK_Click(*d); });

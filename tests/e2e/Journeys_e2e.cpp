@@ -97,6 +97,10 @@ TEST_F(Journey, ConfigurationListAndMods) {
     ASSERT_NO_FATAL_FAILURE(StartMain());
     ASSERT_TRUE(ClickMain("CMDNew"));
     auto name = desktop_.WaitFor("Name?");
+    EXPECT_TRUE(
+        name &&
+        desktop_.Run("xprop", {"-id", QString::number(*name)})->contains("WM_TRANSIENT_FOR"))
+        << "NewConf has no taskbar entry of its own";
     ASSERT_TRUE(name && desktop_.Activate(*name) && Type("test 1") && desktop_.Key("Return"));
     ASSERT_TRUE(desktop_.WaitGone(*name));
     EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=2", "Conf1=DEFAULT", "Conf2=TEST1"}));
