@@ -34,13 +34,13 @@ TEST_F(Journey, FirstRunWarningSetupAndALaterStart) {
     ASSERT_TRUE(Click(*setup, "Setup", "CMDOK"));
     ASSERT_TRUE(Click(*setup, "Setup", "CMDBrowse"));
     const auto browse = desktop_.WaitFor("Browse");
-    ASSERT_TRUE(browse) << "no Browse; windows: " << Windows();
-    EXPECT_FALSE(desktop_.Find(kMainTitle)) << "Setup's OK is disabled without a directory";
     // The folder list opens at the home, which holds "config" and the game.
-    ASSERT_TRUE(Answer(*browse, "Tab") && Type("config"));
+    ASSERT_TRUE(browse && Answer(*browse, "Tab") && desktop_.Run("xdotool", {"type", "config"}))
+        << Windows();
     ASSERT_TRUE(Click(*browse, "Browse", "CMDOK"));
     EXPECT_FALSE(desktop_.WaitGone(*browse, 1s)) << "OK taken in a folder without RF.EXE";
-    ASSERT_TRUE(Type("game"));
+    EXPECT_FALSE(desktop_.Find(kMainTitle)) << "Setup's OK is disabled without a directory";
+    ASSERT_TRUE(desktop_.Run("xdotool", {"type", "game"}));
     ASSERT_TRUE(Click(*browse, "Browse", "CMDOK"));
     ASSERT_TRUE(desktop_.WaitGone(*browse)) << "OK not taken in the game directory";
     ASSERT_TRUE(Click(*setup, "Setup", "CMDOK"));
@@ -101,7 +101,8 @@ TEST_F(Journey, ConfigurationListAndMods) {
         name &&
         desktop_.Run("xprop", {"-id", QString::number(*name)})->contains("WM_TRANSIENT_FOR"))
         << "NewConf has no taskbar entry of its own";
-    ASSERT_TRUE(name && desktop_.Activate(*name) && Type("test 1") && desktop_.Key("Return"));
+    ASSERT_TRUE(name && desktop_.Activate(*name) && desktop_.Run("xdotool", {"type", "test 1"}) &&
+                desktop_.Key("Return"));
     ASSERT_TRUE(desktop_.WaitGone(*name));
     EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=2", "Conf1=DEFAULT", "Conf2=TEST1"}));
     const QStringList test1 = Section("TEST1");
@@ -110,8 +111,8 @@ TEST_F(Journey, ConfigurationListAndMods) {
 
     ASSERT_TRUE(ClickMain("CMDCopy"));
     auto copy = desktop_.WaitFor("Copy TEST1 to:");
-    ASSERT_TRUE(copy && Click(*copy, "CopyConfig", "TXTNewName") && Type("copy") &&
-                desktop_.Key("Return"));
+    ASSERT_TRUE(copy && Click(*copy, "CopyConfig", "TXTNewName") &&
+                desktop_.Run("xdotool", {"type", "copy"}) && desktop_.Key("Return"));
     ASSERT_TRUE(desktop_.WaitGone(*copy));
     const QStringList copied = Section("COPY");
     EXPECT_EQ(copied.size(), test1.size() - 1) << "every field but the mod";

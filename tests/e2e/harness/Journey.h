@@ -132,10 +132,6 @@ protected:
     bool Answer(WindowId box, const QString& keys) const {
         return desktop_.Activate(box) && desktop_.Key(keys);
     }
-    // Types text as an operator would, into the window that has the focus.
-    bool Type(const QString& text) const {
-        return desktop_.Run("xdotool", {"type", "--delay", "40", text}).has_value();
-    }
     std::string Windows() const { return desktop_.Titles().join(", ").toStdString(); }
 
     QString GameDir() const { return game_ + "/"; }
