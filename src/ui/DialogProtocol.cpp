@@ -5,7 +5,10 @@
 #include <QWidget>
 
 void PrepareDialog(QWidget* dialog) {
-    dialog->setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+    // A dialog-type window stays a dialog: it belongs to the window under it and has no
+    // taskbar entry of its own.
+    const Qt::WindowType type = dialog->windowType() == Qt::Dialog ? Qt::Dialog : Qt::Window;
+    dialog->setWindowFlags(type | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
     dialog->setFixedSize(dialog->size());
 }
 

@@ -6,9 +6,11 @@
 #include "ui/automation/AutoMessageHandlers.h"
 #include "ui/automation/RateHandlers.h"
 #include "ui/server/LaunchHandlers.h"
+#include "ui/server/ModHandlers.h"
 #include "ui/server/StartupHandlers.h"
 #include "ui/settings/ConfigFieldHandlers.h"
 #include "ui/settings/ConfigHandlers.h"
+#include "ui/settings/ConfigListHandlers.h"
 #include "ui_Hostwarden.h"
 
 #include <QButtonGroup>
@@ -107,6 +109,11 @@ void Hostwarden::Connect() {
     });
     connect(ui->CMDLoad, &QAbstractButton::clicked, this, [w] { CMDLoad_Click(*w); });
     connect(ui->CMDSave, &QAbstractButton::clicked, this, [w] { CMDSave_Click(*w); });
+    connect(ui->CMDNew, &QAbstractButton::clicked, this, [w] { CMDNew_Click(*w); });
+    connect(ui->CMDCopy, &QAbstractButton::clicked, this, [w] { CMDCopy_Click(*w); });
+    connect(ui->CMDDelete, &QAbstractButton::clicked, this, [w] { CMDDelete_Click(*w); });
+    connect(ui->CMDMod, &QAbstractButton::clicked, this, [w] { CMDMod_Click(*w); });
+    connect(ui->CMDRemovemod, &QAbstractButton::clicked, this, [w] { CMDRemovemod_Click(*w); });
 
     connect(ui->CHKGameTracker, &QAbstractButton::toggled, this, [w] { CHKGameTracker_Click(*w); });
     connect(ui->CHKPort, &QAbstractButton::toggled, this, [w] { CHKPort_Click(*w); });

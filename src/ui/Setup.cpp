@@ -1,6 +1,7 @@
 #include "ui/Setup.h"
 
 #include "ui/DialogProtocol.h"
+#include "ui/server/BrowseHandlers.h"
 #include "ui/server/SetupHandlers.h"
 #include "ui_Setup.h"
 
@@ -13,6 +14,7 @@ Setup::Setup(AppState& state, WindowRegistry& windows, Services& services, QWidg
     PrepareDialog(this);
     auto* w = this;
     connect(ui->TXTRFLocate, &QLineEdit::textChanged, this, [w] { TXTRFLocate_Change(*w); });
+    connect(ui->CMDBrowse, &QAbstractButton::clicked, this, [w] { CMDBrowse_Click(*w); });
     connect(ui->CMDOK, &QAbstractButton::clicked, this, [w] { Setup_CMDOK_Click(*w); });
     connect(ui->CMDCancel, &QAbstractButton::clicked, this, [w] { Setup_CMDCancel_Click(*w); });
 }

@@ -12,11 +12,12 @@ using namespace e2e;
 
 namespace {
 
-// The warning's Cancel ends the program and stores nothing; its OK leads to Setup, whose OK
-// stores the first-run configuration and opens the main window. A later start goes straight
-// to the main window and keeps the operator's own values; Minimize iconifies it.
+// The warning's Cancel ends the program and stores nothing; its OK leads to Setup, where
+// Browse finds the game directory: a folder without RF.EXE cannot be taken, the game's can.
+// Setup's OK stores the first-run configuration and opens the main window. A later start goes
+// straight to the main window and keeps the operator's own values; Minimize iconifies it.
 TEST_F(Journey, FirstRunWarningSetupAndALaterStart) {
-    const QByteArray seeded = "[Startup]\nRFLocation=" + GameDir().toUtf8() + "\n";
+    const QByteArray seeded = "";
     Seed(seeded);
     hostwarden_ = StartHostwarden();
     auto warning = desktop_.WaitFor("Warning");
@@ -32,6 +33,18 @@ TEST_F(Journey, FirstRunWarningSetupAndALaterStart) {
     ASSERT_TRUE(Answer(*warning, "Return"));
     const auto setup = desktop_.WaitFor("Setup");
     ASSERT_TRUE(setup) << "no Setup after the warning's OK";
+    ASSERT_TRUE(Click(*setup, "Setup", "CMDOK"));
+    ASSERT_TRUE(Click(*setup, "Setup", "CMDBrowse"));
+    const auto browse = desktop_.WaitFor("Browse");
+    // The folder list opens at the home, which holds "config" and the game.
+    ASSERT_TRUE(browse && Answer(*browse, "Tab") && desktop_.Run("xdotool", {"type", "config"}))
+        << Windows();
+    ASSERT_TRUE(Click(*browse, "Browse", "CMDOK"));
+    EXPECT_FALSE(desktop_.WaitGone(*browse, 1s)) << "OK taken in a folder without RF.EXE";
+    EXPECT_FALSE(desktop_.Find(kMainTitle)) << "Setup's OK is disabled without a directory";
+    ASSERT_TRUE(desktop_.Run("xdotool", {"type", "game"}));
+    ASSERT_TRUE(Click(*browse, "Browse", "CMDOK"));
+    ASSERT_TRUE(desktop_.WaitGone(*browse)) << "OK not taken in the game directory";
     ASSERT_TRUE(Click(*setup, "Setup", "CMDOK"));
     main_ = desktop_.WaitFor(kMainTitle).value_or(0);
     ASSERT_TRUE(main_) << "Setup's OK did not lead on; windows: " << Windows();
@@ -77,6 +90,62 @@ TEST_F(Journey, FirstRunWarningSetupAndALaterStart) {
     ASSERT_TRUE(ClickMain("CMDMin"));
     EXPECT_TRUE(WaitUntil(iconic, 10s)) << "Minimize did not iconify the main window";
     EXPECT_TRUE(hostwarden_.IsRunning());
+}
+
+// New takes a typed name without its blanks, in capitals; Copy carries the fields but not the
+// mod; Delete renumbers the list. A mod picked in the Mods dialog ends the next launch's command
+// line; Remove drops it again.
+TEST_F(Journey, ConfigurationListAndMods) {
+    ASSERT_NO_FATAL_FAILURE(StartMain());
+    ASSERT_TRUE(ClickMain("CMDNew"));
+    auto name = desktop_.WaitFor("Name?");
+    EXPECT_TRUE(
+        name &&
+        desktop_.Run("xprop", {"-id", QString::number(*name)})->contains("WM_TRANSIENT_FOR"))
+        << "NewConf has no taskbar entry of its own";
+    ASSERT_TRUE(name && desktop_.Activate(*name) && desktop_.Run("xdotool", {"type", "test 1"}) &&
+                desktop_.Key("Return"));
+    ASSERT_TRUE(desktop_.WaitGone(*name));
+    EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=2", "Conf1=DEFAULT", "Conf2=TEST1"}));
+    const QStringList test1 = Section("TEST1");
+    EXPECT_TRUE(test1.contains("servname=$Me's Dedicated CTF running Hostwarden 2.0"))
+        << test1.join('\n');
+
+    ASSERT_TRUE(ClickMain("CMDCopy"));
+    auto copy = desktop_.WaitFor("Copy TEST1 to:");
+    ASSERT_TRUE(copy && Click(*copy, "CopyConfig", "TXTNewName") &&
+                desktop_.Run("xdotool", {"type", "copy"}) && desktop_.Key("Return"));
+    ASSERT_TRUE(desktop_.WaitGone(*copy));
+    const QStringList copied = Section("COPY");
+    EXPECT_EQ(copied.size(), test1.size() - 1) << "every field but the mod";
+    EXPECT_TRUE(copied.contains("name=COPY") && copied.contains(test1.filter("servname=")[0]) &&
+                copied.filter("Mod=").isEmpty())
+        << copied.join(';');
+
+    // The list's edit field takes the focus; Up selects the entry before COPY.
+    ASSERT_TRUE(ClickMain("LSTConfig") && desktop_.Key("Up") && ClickMain("CMDDelete"));
+    auto question = desktop_.WaitFor("Delete Configuration?");
+    ASSERT_TRUE(question && Answer(*question, "alt+y"));
+    auto notice = desktop_.WaitFor("Settings Deleted");
+    ASSERT_TRUE(notice && Answer(*notice, "Return"));
+    EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=2", "Conf1=DEFAULT", "Conf2=COPY"}));
+    EXPECT_TRUE(Section("TEST1").isEmpty());
+
+    // Demo mods: Classic and Rocketball hold packages; EmptyMod and Nested do not. The list
+    // takes the focus on its first entry, unselected.
+    for (const auto& [keys, mod] :
+         {std::pair{"Down Down", "Rocketball"}, {"Down Up", "Classic"}, {"", "None"}}) {
+        ASSERT_TRUE(ClickMain(*keys ? "CMDMod" : "CMDRemovemod"));
+        const auto mods = desktop_.WaitFor("Select a mod from the list", *keys ? 20s : 0s);
+        for (const QString& key : QString(keys).split(' ', Qt::SkipEmptyParts))
+            ASSERT_TRUE(mods && desktop_.Activate(*mods) && desktop_.Key(key));
+        ASSERT_TRUE(!*keys || (Click(*mods, "Mods", "CMDOK") && desktop_.WaitGone(*mods)));
+        QFile::remove(GameFile("commandline.txt"));
+        ASSERT_TRUE(ClickMain("CMDLaunch"));
+        ASSERT_TRUE(WaitUntil([&] { return !GameLines("commandline.txt").isEmpty(); }, 20s));
+        EXPECT_EQ(GameLines("commandline.txt").mid(1).join(' '),
+                  QString("-dedicated DEFAULT") + (*keys ? QString(" -mod ") + mod : ""));
+    }
 }
 
 class Launch : public Journey, public testing::WithParamInterface<const char*> {};

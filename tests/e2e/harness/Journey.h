@@ -1,6 +1,7 @@
-// The one end-to-end fixture: a private desktop, a throw-away home, a private copy of the
-// demo game and the real hostwarden binary. The stand-in server the program launches leaves
-// its witnesses (commandline.txt, transcript.txt, keys.log, events.txt) in the game copy.
+// The one end-to-end fixture: a private desktop, a throw-away home holding a private copy of
+// the demo game (where Browse opens), and the real hostwarden binary. The stand-in server the
+// program launches leaves its witnesses (commandline.txt, transcript.txt, keys.log, events.txt) in
+// the game copy.
 #pragma once
 
 #include "Desktop.h"
@@ -180,7 +181,7 @@ protected:
 
     Desktop desktop_;
     QTemporaryDir home_, gameParent_;
-    QString game_ = gameParent_.filePath("game");
+    QString game_ = home_.filePath("game");
     Process hostwarden_;
     WindowId main_ = 0;
 
