@@ -48,18 +48,23 @@ struct Rig : AutoMessageHost, KeySender {
     }
 
     void Countdown(int seconds) {
-        for (int i = 0; i < seconds; ++i)
+        for (int i = 0; i < seconds; ++i) {
+            clock.now += 1000;
             am.TMRAdds_Timer();
+        }
     }
+    // Each tick takes the typing interval plus `slowness` milliseconds.
     void Typist(int ticks) {
-        for (int i = 0; i < ticks; ++i)
+        for (int i = 0; i < ticks; ++i) {
+            clock.now += interval + slowness;
             am.TMRSend_Timer();
+        }
     }
     // Hands the next queued line to the typist and lets it finish.
     void TypeLine() {
         am.Timer1_Timer();
         for (int i = 0; i < 10000 && am.TMRSendEnabled(); ++i)
-            am.TMRSend_Timer();
+            Typist(1);
     }
     // Fills the first boxes, checks "Auto Message" and runs one whole interval.
     void QueueBatch(const QStringList& batch) {
@@ -78,7 +83,7 @@ struct Rig : AutoMessageHost, KeySender {
     bool servRecEnabled = true, addsTimer = false, sendTimer = false, failKeys = false;
     QString texts[4];
     QStringList captions, pushed;
-    int launches = 0, interval = 110;
+    int launches = 0, interval = 110, slowness = 0;
     std::function<void()> onLaunch = [] {};
 
     AppState state;
@@ -86,7 +91,8 @@ struct Rig : AutoMessageHost, KeySender {
     SeededRandom random{7};
     BeepRecorder beeper;
     ScriptedMessageBoxes boxes;
-    AutoMessages am{*this, state, windows, *this, random, beeper, boxes};
+    FakeClock clock;
+    AutoMessages am{*this, state, windows, *this, random, beeper, boxes, clock};
     WindowHandle server = 0;
 };
 
@@ -152,7 +158,7 @@ TEST_F(AutoMessagesTest, TypesOneLineAtATimeOneCharacterPerTickAfterActivating) 
         EXPECT_EQ(t.am.PendingLine(), line) << "no new line while one is typed";
         EXPECT_EQ(t.am.Queue(), QStringList({"b"}));
         EXPECT_EQ(t.pushed, launched ? line.split(QString(), Qt::SkipEmptyParts) : QStringList());
-        EXPECT_EQ(t.windows.activations, QStringList(launched ? line.size() : 0, kServerTitle));
+        EXPECT_EQ(t.windows.activations, QList<WindowHandle>(launched ? line.size() : 0, t.server));
 
         t.Typist(1);
         EXPECT_TRUE(t.IdleTypist());
@@ -231,32 +237,87 @@ TEST_F(AutoMessagesTest, TypingFailureResetsEverythingThenRelaunchesOrTellsTheOp
 
 // Decision: a console that exists but does not get the input focus is not a lost
 // server. The character waits (typing it would send it to whatever window has the
-// focus); after 10 seconds of waiting in a row the line is dropped without recovery.
-TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow) {
-    const std::pair<int, int> rows[] = {{100, 100}, {110, 91}, {210, 48}, {10, 1000}};
-    for (const auto& [interval, ticksToDrop] : rows) {
+// focus); after 10 seconds by the clock without progress the line is dropped without
+// recovery, and the operator is told. Ticks may take longer than the typing interval.
+TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsWithoutProgress) {
+    const std::tuple<int, int, int> rows[] = {
+        {100, 0, 101}, {110, 0, 92}, {210, 0, 49}, {10, 90, 101}};
+    for (const auto& [interval, slowness, ticksToDrop] : rows) {
         SCOPED_TRACE(interval);
         Rig t;
         t.interval = interval;
+        t.slowness = slowness;
         t.am.QueueMessage("lost");
         t.am.QueueMessage("next");
         t.am.Timer1_Timer();
         t.Typist(2);
         for (const bool stolen : {true, false, true}) { // one key between two long waits
             t.windows.focusStolen = stolen;
+            t.windows.focus = 0;
             t.Typist(stolen ? ticksToDrop - 1 : 1);
         }
         EXPECT_EQ(t.pushed, QStringList({"s", "a", "y"}));
-        EXPECT_TRUE(t.am.TMRSendEnabled());
+        EXPECT_TRUE(t.am.TMRSendEnabled() && t.boxes.notices.isEmpty());
         t.Typist(1);
         EXPECT_TRUE(t.IdleTypist() && t.am.TMRAddsEnabled())
             << "the line goes, the countdown stays";
         EXPECT_TRUE(t.launches == 0 && t.boxes.shown.isEmpty()) << "no recovery";
+        ASSERT_EQ(t.boxes.notices.size(), 1);
+        EXPECT_TRUE(t.boxes.notices[0].text.endsWith("\r\nsay lost~"));
 
         t.windows.focusStolen = false;
         t.TypeLine();
         EXPECT_EQ(t.Typed(), "say" + QString("say next~"));
     }
+}
+
+// The character waits, without recovery, while one of our own message boxes is open, and
+// while a console just launched has not appeared yet (the old one still closing does not
+// count); after 30 seconds without it the server is lost.
+TEST_F(AutoMessagesTest, CharacterWaitsForOurQuestionsAndForANewConsoleUpToThirtySeconds) {
+    enum Case { Question, NewConsoleLate, OnlyOldConsole };
+    for (const Case c : {Question, NewConsoleLate, OnlyOldConsole}) {
+        SCOPED_TRACE(int(c));
+        Rig t;
+        t.am.QueueMessage("hi");
+        t.am.Timer1_Timer();
+        t.Typist(2);
+        t.boxes.showing = c == Question;
+        if (c != Question) {
+            t.am.ForgetServer(); // a launch begins
+            t.am.QueueMessage("new");
+            t.am.ServerLaunched(9, 500);
+            if (c == NewConsoleLate)
+                t.windows.Vanish(t.server);
+            t.Typist(1); // the half-typed line is dropped, not typed into the new server
+            t.am.Timer1_Timer();
+        }
+        t.Typist(29000 / t.interval);
+        EXPECT_EQ(t.pushed, QStringList({"s", "a"}));
+        EXPECT_TRUE(t.boxes.shown.isEmpty() && t.launches == 0);
+        t.boxes.showing = false;
+        if (c == NewConsoleLate) {
+            t.windows.windows.append({t.server + 1, kServerTitle, 0, 0, false, 500});
+            t.TypeLine();
+            EXPECT_EQ(t.Typed(), "sasay new~");
+            continue;
+        }
+        if (c == OnlyOldConsole)
+            t.windows.Vanish(t.server);
+        t.TypeLine();
+        EXPECT_EQ(t.Typed(), c == Question ? "say hi~" : "sa");
+        EXPECT_EQ(t.boxes.shown, c == Question ? QList<MessageRequest>{} : QList{kServerError});
+    }
+}
+
+// One character is one tick and one key, whatever its UTF-16 length; a character that
+// the ANSI code page lacks is typed as "?".
+TEST_F(AutoMessagesTest, TypesByCharacterAndReplacesWhatTheCodePageLacks) {
+    am.QueueMessage(QString::fromUtf8("caf\u00e9 \u00df\u20ac\U0001F600\u2211"));
+    TypeLine();
+    EXPECT_EQ(
+        pushed,
+        QString::fromUtf8("say caf\u00e9 \u00df\u20ac??~").split(QString(), Qt::SkipEmptyParts));
 }
 
 } // namespace

@@ -318,3 +318,13 @@ QByteArray SerializeIni(const IniDocument& doc) {
     }
     return out.toUtf8();
 }
+
+QStringList KeysOf(const IniDocument& doc, const QString& section) {
+    QStringList keys;
+    const QString folded = section.toCaseFolded();
+    for (const IniDocument::Section& s : doc.sections())
+        if (s.folded == folded)
+            for (const IniDocument::Entry& e : s.entries)
+                keys << e.name;
+    return keys;
+}

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -37,6 +38,9 @@ private:
     Section* findSection(const QString& folded);
     std::vector<Section> sections_;
 };
+
+// The key names of `section` (any letter case) in doc, in write order.
+QStringList KeysOf(const IniDocument& doc, const QString& section);
 
 struct IniParseError {
     int line = 0;

@@ -110,6 +110,10 @@ QString IniSettingsStore::GetSetting(const QString& app, const QString& section,
     return value ? *value : QString();
 }
 
+QStringList IniSettingsStore::SectionKeys(const QString& app, const QString& section) {
+    return KeysOf(Open(app).doc, section);
+}
+
 void IniSettingsStore::SaveSetting(const QString& app, const QString& section, const QString& key,
                                    const QString& value) {
     AppFile& f = Open(app);

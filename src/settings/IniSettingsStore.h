@@ -50,6 +50,7 @@ public:
     void DeleteSetting(const QString& app, const QString& section, const QString& key) override;
     void DeleteSection(const QString& app, const QString& section) override;
     void DeleteAll(const QString& app) override;
+    QStringList SectionKeys(const QString& app, const QString& section) override;
 
 private:
     struct AppFile {

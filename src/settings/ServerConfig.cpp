@@ -3,6 +3,8 @@
 #include "platform/SettingsStore.h"
 #include "settings/ProjectInfo.h"
 
+#include <algorithm>
+
 QString DefaultMessage0() {
     return QStringLiteral("This Dedicated Server is running with Hostwarden 2.0 by Velloquin");
 }
@@ -80,4 +82,18 @@ std::optional<bool> ReadBoolean(const QString& text) {
     if (text.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
         return false;
     return std::nullopt;
+}
+
+int NumberedCount(const QStringList& keys, const QString& prefix, int count) {
+    int highest = -1;
+    for (const QString& key : keys) {
+        if (!key.startsWith(prefix, Qt::CaseInsensitive))
+            continue;
+        const QStringView digits = QStringView(key).mid(prefix.size());
+        bool ok = !digits.isEmpty() && digits.front().isDigit();
+        const int index = ok ? digits.toInt(&ok) : -1;
+        if (ok && QString::number(index) == digits)
+            highest = std::max(highest, index);
+    }
+    return std::clamp(highest + 1, 0, std::max(count, 0));
 }

@@ -3,6 +3,7 @@
 #include "server/AppState.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -20,6 +21,10 @@ void CreateNewConfig(SettingsStore& store, AppState& state);
 // "false" in any letter case. Anything else reads as nothing.
 std::optional<int> ReadNumber(const QString& text);
 std::optional<bool> ReadBoolean(const QString& text);
+
+// How many of the keys prefix + 0 … prefix + (count − 1) to read: `count`, but never
+// beyond the highest such key among `keys`, so a hand-edited huge count costs nothing.
+int NumberedCount(const QStringList& keys, const QString& prefix, int count);
 
 // The new-configuration defaults, used where a stored field cannot be read.
 struct ConfigDefaults {

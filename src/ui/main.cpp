@@ -1,5 +1,6 @@
 #include "platform/Services.h"
 #include "platform/posix/PosixProcessLauncher.h"
+#include "platform/posix/SteadyClock.h"
 #include "platform/qt/QtMessageBoxes.h"
 #include "platform/qt/QtServices.h"
 #include "platform/x11/X11Keyboard.h"
@@ -7,6 +8,7 @@
 #include "server/AppState.h"
 #include "settings/IniSettingsStore.h"
 #include "settings/ProjectInfo.h"
+#include "ui/Hostwarden.h"
 #include "ui/Setup.h"
 #include "ui/WindowRegistry.h"
 #include "ui/server/SetupHandlers.h"
@@ -20,7 +22,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Hostwarden"));
     QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 7));
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/ui/images/icon32.png")));
+    QApplication::setWindowIcon(HostwardenIcon());
 
     QtMessageBoxes messages;
     IniSettingsStore store;
@@ -40,7 +42,8 @@ int main(int argc, char** argv) {
     PosixProcessLauncher launcher;
     X11WindowServices windows;
     X11Keyboard keyboard;
-    Services services{store, messages, beeper, end, random, launcher, windows, keyboard};
+    SteadyClock clock;
+    Services services{store, messages, beeper, end, random, launcher, windows, keyboard, clock};
 
     AppState state;
     WindowRegistry forms;

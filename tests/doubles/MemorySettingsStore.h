@@ -26,6 +26,9 @@ public:
         Write(app).removeSection(section);
     }
     void DeleteAll(const QString& app) override { Write(app).clear(); }
+    QStringList SectionKeys(const QString& app, const QString& section) override {
+        return KeysOf(files_[app], section);
+    }
 
     // Every key of a section as stored, in write order, "key=value" each.
     QStringList Dump(const QString& app, const QString& section) {

@@ -1,5 +1,6 @@
 #include "platform/x11/X11Keyboard.h"
 
+#include "platform/Ansi.h"
 #include "platform/KeySendError.h"
 #include "platform/UsLayout.h"
 #include "platform/x11/XConnectionLoss.h"
@@ -65,12 +66,60 @@ unsigned long X11Keyboard::KeysymFor(std::uint8_t vk) {
     return NoSymbol;
 }
 
+unsigned long X11Keyboard::KeysymForChar(char32_t ch) {
+    if ((ch >= 0x20 && ch < 0x7F) || (ch >= 0xA0 && ch <= 0xFF))
+        return ch; // Latin-1 keysyms are the characters themselves
+    if (ch > 0xFF && ch <= 0x10FFFF)
+        return 0x01000000 + ch;
+    return NoSymbol;
+}
+
+unsigned char X11Keyboard::BindSpare(Display* display, unsigned long keysym) {
+    int low = 0, high = 0;
+    XDisplayKeycodes(display, &low, &high);
+    if (!spare_) {
+        if (keysym == NoSymbol)
+            return 0;
+        int perCode = 0;
+        KeySym* map = XGetKeyboardMapping(display, KeyCode(low), high - low + 1, &perCode);
+        // The highest keycode that types nothing.
+        for (int code = high; code >= low && map && !spare_; --code) {
+            bool empty = true;
+            for (int i = 0; i < perCode; ++i)
+                empty = empty && map[(code - low) * perCode + i] == NoSymbol;
+            if (empty)
+                spare_ = static_cast<unsigned char>(code);
+        }
+        if (map)
+            XFree(map);
+        if (!spare_)
+            return 0;
+    }
+    KeySym syms[2] = {keysym, keysym}; // the same character with or without Shift
+    XChangeKeyboardMapping(display, spare_, 2, syms, 1);
+    XSync(display, False);
+    const unsigned char code = spare_;
+    if (keysym == NoSymbol)
+        spare_ = 0;
+    return code;
+}
+
 void X11Keyboard::KeyEvent(std::uint8_t vk, std::uint8_t /*scan*/, std::uint32_t flags) {
     Display* display = Connection();
-    const KeySym keysym = KeysymFor(vk);
-    if (keysym == NoSymbol)
-        return;
-    const KeyCode keycode = XKeysymToKeycode(display, keysym);
+    KeyCode keycode = 0;
+    if (vk == kPacketKey) {
+        const KeySym keysym = KeysymForChar(FromAnsi(packetChar_));
+        if (keysym == NoSymbol)
+            return;
+        keycode = (flags & KEYEVENTF_KEYUP) && spare_ ? spare_ : BindSpare(display, keysym);
+    } else {
+        if (spare_)
+            BindSpare(display, NoSymbol);
+        const KeySym keysym = KeysymFor(vk);
+        if (keysym == NoSymbol)
+            return;
+        keycode = XKeysymToKeycode(display, keysym);
+    }
     if (keycode == 0)
         return;
     const Bool down = (flags & KEYEVENTF_KEYUP) ? False : True;
@@ -83,7 +132,11 @@ void X11Keyboard::KeyEvent(std::uint8_t vk, std::uint8_t /*scan*/, std::uint32_t
 }
 
 std::int16_t X11Keyboard::VkKeyScan(std::uint8_t ch) {
-    return UsLayout::VkKeyScan(ch);
+    const std::int16_t key = UsLayout::VkKeyScan(ch);
+    if (key != -1 || KeysymForChar(FromAnsi(ch)) == NoSymbol)
+        return key;
+    packetChar_ = ch;
+    return kPacketKey;
 }
 
 std::uint8_t X11Keyboard::CharToOem(std::uint8_t ch) {
@@ -124,6 +177,8 @@ Display* X11Keyboard::Connection() {
 }
 
 void X11Keyboard::CloseOwnDisplay() {
+    if (display_ && spare_ && !lost_)
+        BindSpare(display_, NoSymbol);
     if (ownsDisplay_ && display_) {
         XCloseDisplay(display_);
         ForgetConnection(display_);

@@ -6,8 +6,15 @@ typedef struct _XDisplay Display;
 
 // Types through the XTest extension. Virtual keys are mapped to keysyms and those to the
 // keycodes of the server's current keymap; a key the keymap lacks is not sent.
+//
+// A character that no key of the layout types (é, ß, €) answers VkKeyScan with the
+// packet key kPacketKey; tapping that key types the character through a spare keycode
+// bound to its keysym, as X11 typing tools do. The binding is undone at the next other
+// key and when the keyboard goes.
 class X11Keyboard : public Keyboard {
 public:
+    static constexpr std::uint8_t kPacketKey = 0xE7;
+
     // Opens its own connection to $DISPLAY when first needed.
     X11Keyboard();
     // Uses the given connection, which stays the caller's.
@@ -25,13 +32,20 @@ public:
 
     // The keysym a virtual key stands for; 0 (NoSymbol) when none.
     static unsigned long KeysymFor(std::uint8_t vk);
+    // The keysym of a character (Unicode), 0 when none.
+    static unsigned long KeysymForChar(char32_t ch);
 
 private:
     Display* Connection();
     void CloseOwnDisplay();
+    // Binds the spare keycode to `keysym`, or undoes the binding (NoSymbol); 0 when the
+    // keymap has no spare keycode.
+    unsigned char BindSpare(Display* display, unsigned long keysym);
     static void ConnectionLost(Display* display, void* self);
 
     Display* display_ = nullptr;
     bool ownsDisplay_ = false;
     bool lost_ = false;
+    std::uint8_t packetChar_ = 0; // the character the packet key types
+    unsigned char spare_ = 0;     // the spare keycode while it is bound
 };

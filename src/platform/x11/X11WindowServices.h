@@ -35,7 +35,9 @@ public:
     void PostMessage(WindowHandle window, std::uint32_t message) override;
     WindowHandle MainWindow() override { return mainWindow_; }
     void ProcessPendingEvents() override;
-    ActivateResult ActivateByTitle(const QString& title) override;
+    bool InProcessTree(WindowHandle window, std::int64_t process) override;
+    void ActivateWindow(WindowHandle window) override;
+    bool HasFocus(WindowHandle window) override;
 
     // Client windows in stacking order, top first.
     std::vector<WindowHandle> ClientWindows();
@@ -55,6 +57,8 @@ private:
         NetCloseWindow,
         NetActiveWindow,
         NetSupportingWmCheck,
+        NetWmDesktop,
+        NetCurrentDesktop,
         AtomCount
     };
 
@@ -68,7 +72,8 @@ private:
     bool IsOwnProcess(unsigned long window);
     unsigned long TransientFor(unsigned long window);
     bool HasWindowManager();
-    bool HasFocus(unsigned long window);
+    // The process id a window names as its own (on this machine); 0 when none.
+    long ProcessOf(unsigned long window);
     void SendToRoot(unsigned long window, Atom_ type, long l0, long l1);
 
     Display* display_ = nullptr;
