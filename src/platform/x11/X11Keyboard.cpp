@@ -17,6 +17,9 @@
 
 namespace {
 
+// Spare keycodes used in turn for characters without a key.
+constexpr std::size_t kSpareKeys = 8;
+
 // Virtual keys outside the runs of letters, digits, keypad digits and function keys.
 constexpr std::pair<std::uint8_t, KeySym> kNamedKeysyms[] = {
     {0x03, XK_Pause},        {0x08, XK_BackSpace},   {0x09, XK_Tab},
@@ -75,33 +78,41 @@ unsigned long X11Keyboard::KeysymForChar(char32_t ch) {
 }
 
 unsigned char X11Keyboard::BindSpare(Display* display, unsigned long keysym) {
-    int low = 0, high = 0;
-    XDisplayKeycodes(display, &low, &high);
-    if (!spare_) {
-        if (keysym == NoSymbol)
-            return 0;
-        int perCode = 0;
+    if (spares_.empty()) {
+        int low = 0, high = 0, perCode = 0;
+        XDisplayKeycodes(display, &low, &high);
         KeySym* map = XGetKeyboardMapping(display, KeyCode(low), high - low + 1, &perCode);
-        // The highest keycode that types nothing.
-        for (int code = high; code >= low && map && !spare_; --code) {
+        // The highest keycodes that type nothing.
+        for (int code = high; code >= low && map && spares_.size() < kSpareKeys; --code) {
             bool empty = true;
             for (int i = 0; i < perCode; ++i)
                 empty = empty && map[(code - low) * perCode + i] == NoSymbol;
             if (empty)
-                spare_ = static_cast<unsigned char>(code);
+                spares_.push_back({static_cast<unsigned char>(code), NoSymbol});
         }
         if (map)
             XFree(map);
-        if (!spare_)
+        if (spares_.empty())
             return 0;
     }
+    for (const Spare& spare : spares_)
+        if (spare.keysym == keysym)
+            return spare.code;
+    Spare& spare = spares_[nextSpare_++ % spares_.size()];
     KeySym syms[2] = {keysym, keysym}; // the same character with or without Shift
-    XChangeKeyboardMapping(display, spare_, 2, syms, 1);
+    XChangeKeyboardMapping(display, spare.code, 2, syms, 1);
     XSync(display, False);
-    const unsigned char code = spare_;
-    if (keysym == NoSymbol)
-        spare_ = 0;
-    return code;
+    spare.keysym = keysym;
+    return spare.code;
+}
+
+void X11Keyboard::UnbindSpares() {
+    KeySym none[2] = {NoSymbol, NoSymbol};
+    for (const Spare& spare : spares_)
+        if (spare.keysym != NoSymbol)
+            XChangeKeyboardMapping(display_, spare.code, 2, none, 1);
+    XSync(display_, False);
+    spares_.clear();
 }
 
 void X11Keyboard::KeyEvent(std::uint8_t vk, std::uint8_t /*scan*/, std::uint32_t flags) {
@@ -111,10 +122,10 @@ void X11Keyboard::KeyEvent(std::uint8_t vk, std::uint8_t /*scan*/, std::uint32_t
         const KeySym keysym = KeysymForChar(FromAnsi(packetChar_));
         if (keysym == NoSymbol)
             return;
-        keycode = (flags & KEYEVENTF_KEYUP) && spare_ ? spare_ : BindSpare(display, keysym);
+        if (!(flags & KEYEVENTF_KEYUP))
+            packetCode_ = BindSpare(display, keysym);
+        keycode = packetCode_;
     } else {
-        if (spare_)
-            BindSpare(display, NoSymbol);
         const KeySym keysym = KeysymFor(vk);
         if (keysym == NoSymbol)
             return;
@@ -177,8 +188,8 @@ Display* X11Keyboard::Connection() {
 }
 
 void X11Keyboard::CloseOwnDisplay() {
-    if (display_ && spare_ && !lost_)
-        BindSpare(display_, NoSymbol);
+    if (display_ && !spares_.empty() && !lost_)
+        UnbindSpares();
     if (ownsDisplay_ && display_) {
         XCloseDisplay(display_);
         ForgetConnection(display_);

@@ -2,6 +2,8 @@
 
 #include "platform/Keyboard.h"
 
+#include <vector>
+
 typedef struct _XDisplay Display;
 
 // Types through the XTest extension. Virtual keys are mapped to keysyms and those to the
@@ -9,8 +11,9 @@ typedef struct _XDisplay Display;
 //
 // A character that no key of the layout types (é, ß, €) answers VkKeyScan with the
 // packet key kPacketKey; tapping that key types the character through a spare keycode
-// bound to its keysym, as X11 typing tools do. The binding is undone at the next other
-// key and when the keyboard goes.
+// bound to its keysym, as X11 typing tools do. A client may read the keymap some time
+// after the key arrives, so a binding is left in place until its keycode is needed for
+// another character (several are used in turn); all are undone when the keyboard goes.
 class X11Keyboard : public Keyboard {
 public:
     static constexpr std::uint8_t kPacketKey = 0xE7;
@@ -38,14 +41,20 @@ public:
 private:
     Display* Connection();
     void CloseOwnDisplay();
-    // Binds the spare keycode to `keysym`, or undoes the binding (NoSymbol); 0 when the
-    // keymap has no spare keycode.
+    // A spare keycode bound to `keysym`; 0 when the keymap has no spare keycode.
     unsigned char BindSpare(Display* display, unsigned long keysym);
+    void UnbindSpares();
     static void ConnectionLost(Display* display, void* self);
 
     Display* display_ = nullptr;
     bool ownsDisplay_ = false;
     bool lost_ = false;
-    std::uint8_t packetChar_ = 0; // the character the packet key types
-    unsigned char spare_ = 0;     // the spare keycode while it is bound
+    std::uint8_t packetChar_ = 0;  // the character the packet key types
+    unsigned char packetCode_ = 0; // the keycode its last key-down went to
+    struct Spare {
+        unsigned char code;
+        unsigned long keysym;
+    };
+    std::vector<Spare> spares_; // found at the first packet key
+    std::size_t nextSpare_ = 0;
 };
