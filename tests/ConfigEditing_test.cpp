@@ -102,17 +102,18 @@ TEST(ConfigFields, EveryChoiceAndKeystrokeShowsAtOnceTypingInAListDoesNot) {
     // the entry that matches; the configuration list keeps CurrentConf.
     const QString before = m.Text();
     m.app.CurrentConf = "Typed over";
-    for (auto [list, typed] : QList<QPair<QComboBox*, QString>>{{ui.MaxPlayers, "20"},
-                                                                {ui.MaxTime, "1"},
-                                                                {ui.TeamDamage, "true"},
-                                                                {ui.LSTConfig, "default"}}) {
+    const QList<QPair<QComboBox*, QString>> lists = {{ui.MaxPlayers, "20"},
+                                                     {ui.MaxTime, "1"},
+                                                     {ui.TeamDamage, "true"},
+                                                     {ui.LSTConfig, "default"}};
+    for (const auto& [list, typed] : lists) {
         const int index = list->currentIndex();
         list->lineEdit()->selectAll();
         QTest::keyClicks(list->lineEdit(), typed);
         QTest::keyClick(list->lineEdit(), Qt::Key_Return);
         emit list->lineEdit()->editingFinished(); // as when the field loses the focus
-        EXPECT_EQ(list->lineEdit()->text(), typed);
-        EXPECT_EQ(list->currentIndex(), index) << typed.toStdString();
+        EXPECT_EQ(std::pair(list->lineEdit()->text(), list->currentIndex()),
+                  std::pair(typed, index));
     }
     EXPECT_EQ(m.Text(), before);
     EXPECT_EQ(m.app.Saved, "yes");

@@ -89,8 +89,7 @@ TEST(Launch, WritesTheOptionsBoxAsItStandsThenStoresTheConfiguration) {
     QTemporaryDir dir;
     Launch m(dir.path() + "/");
     m.ui().TXTSTat->appendPlainText("$Hand Edit: 1");
-    // Rebuilds: the hand edit is gone. No character of a value is altered, not even by a
-    // later hand edit elsewhere.
+    // Rebuilds: the hand edit is gone. No character of a value is altered by a later one.
     m.ui().TXTPassword->setText(QString::fromUtf8("p\u00a0w\nx\ry"));
     m.ui().TXTSTat->appendPlainText(QString::fromUtf8("$Kept: 1\u00a0"));
     CMDLaunch_Click(*m.w);
