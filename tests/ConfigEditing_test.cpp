@@ -98,13 +98,26 @@ TEST(ConfigFields, EveryChoiceAndKeystrokeShowsAtOnceTypingInAListDoesNot) {
             shows((line += ch) + "\"");
         }
     }
+    // Typing chooses nothing: no completion, and neither Enter nor leaving the field picks
+    // the entry that matches; the configuration list keeps CurrentConf.
     const QString before = m.Text();
-    for (QComboBox* list : {ui.MaxPlayers, ui.TeamDamage}) {
+    m.app.CurrentConf = "Typed over";
+    const QList<QPair<QComboBox*, QString>> lists = {{ui.MaxPlayers, "20"},
+                                                     {ui.MaxTime, "1"},
+                                                     {ui.TeamDamage, "true"},
+                                                     {ui.LSTConfig, "default"}};
+    for (const auto& [list, typed] : lists) {
+        const int index = list->currentIndex();
         list->lineEdit()->selectAll();
-        QTest::keyClicks(list->lineEdit(), "7");
+        QTest::keyClicks(list->lineEdit(), typed);
+        QTest::keyClick(list->lineEdit(), Qt::Key_Return);
+        emit list->lineEdit()->editingFinished(); // as when the field loses the focus
+        EXPECT_EQ(std::pair(list->lineEdit()->text(), list->currentIndex()),
+                  std::pair(typed, index));
     }
     EXPECT_EQ(m.Text(), before);
     EXPECT_EQ(m.app.Saved, "yes");
+    EXPECT_EQ(m.app.CurrentConf, "Typed over");
 }
 
 TEST(Banner, ShowsTheUpdateNoticeThenBeeps) {
@@ -162,9 +175,10 @@ TEST(LoadConfig, ReplacesEditsWithTheStoredValuesWhateverGameTypeWasSelected) {
 
 TEST(LoadConfig, NeedsTheMarkerAndFallsBackOnUnreadableFields) {
     MainWindow m;
-    // With the second map missing, loading stops there.
+    // A missing map key loads as an empty entry; a huge count stops at the last map key.
     WithClan(m, "default=yes;gametype=TeamDM;maxplayers=99;maxtime=soon;teamdamage=maybe;"
-                "balance=;map1=;mapcount=40000");
+                "balance=;mapcount=2000000000");
+    m.t.store.DeleteSetting(kAppName, "CLAN", "map1");
     const QString before = m.Text();
     m.app.Saved = "yes";
     m.app.CurrentConf = "CLAN";
@@ -178,7 +192,7 @@ TEST(LoadConfig, NeedsTheMarkerAndFallsBackOnUnreadableFields) {
     EXPECT_EQ(QStringList({ui.MaxPlayers->currentText(), ui.MaxTime->currentText(),
                            ui.TeamDamage->currentText(), ui.Balance->currentText()}),
               QStringList({"16", "30", "False", "True"}));
-    EXPECT_EQ(m.Maps(), QStringList{"ctf01"});
+    EXPECT_EQ(m.Maps(), QStringList({"ctf01", "", "ctf01"}));
     EXPECT_EQ(m.app.gametype, "TeamDM");
 }
 

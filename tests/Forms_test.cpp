@@ -1,6 +1,7 @@
 // What an operator notices in every window's form: captions that fit and can be read, where
 // the keyboard focus starts, Enter pressing only the focused button, no resizing, and fields
 // that stop at the length the store keeps.
+#include "ui/Hostwarden.h"
 #include "ui_About.h"
 #include "ui_Browse.h"
 #include "ui_CopyConfig.h"
@@ -167,6 +168,7 @@ TEST(Forms, WhatTheOperatorSeesInEveryWindow) {
     auto main = make<Ui::Hostwarden>();
     EXPECT_FALSE(main->findChild<QLabel*>("Image1")->pixmap().isNull()) << "the banner shows";
     EXPECT_FALSE(main->windowIcon().isNull());
+    EXPECT_EQ(HostwardenIcon().availableSizes(), QList<QSize>({{16, 16}, {32, 32}}));
 }
 
 } // namespace

@@ -92,21 +92,23 @@ TEST(Launch, WritesTheOptionsBoxAsItStandsThenStoresTheConfiguration) {
     QTemporaryDir dir;
     Launch m(dir.path() + "/");
     m.ui().TXTSTat->appendPlainText("$Hand Edit: 1");
-    m.ui().TXTPassword->setText("pw"); // rebuilds: the hand edit is gone
-    m.ui().TXTSTat->appendPlainText("$Kept: 1");
+    // Rebuilds: the hand edit is gone. No character of a value is altered by a later one.
+    m.ui().TXTPassword->setText(QString::fromUtf8("p\u00a0w\nx\ry"));
+    m.ui().TXTSTat->appendPlainText(QString::fromUtf8("$Kept: 1\u00a0"));
     CMDLaunch_Click(*m.w);
     QFile file(dir.path() + "/dedicated_server.txt");
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     // Written before the configuration is stored: the name is still the first run's.
-    EXPECT_EQ(file.readAll(), QByteArray(texts::kFirstRunOptions)
-                                      .replace("$Password:       \"\"", "$Password:       \"pw\"") +
-                                  "\r\n$Kept: 1");
+    EXPECT_EQ(file.readAll(),
+              QByteArray(texts::kFirstRunOptions)
+                      .replace("$Password:       \"\"", "$Password:       \"p\xA0w\nx\ry\"") +
+                  "\r\n$Kept: 1\xA0");
     ASSERT_EQ(m.t.launcher.calls.size(), 1);
     EXPECT_EQ(m.t.launcher.calls[0].parameters, "-dedicated DEFAULT");
     EXPECT_EQ(m.ui().TXTConfName->text(), "DEFAULT");
     EXPECT_TRUE(m.Text().contains("$Name:           \"DEFAULT\"\r\n"));
     EXPECT_EQ(QStringList({m.t.Get("DEFAULT", "name"), m.t.Get("DEFAULT", "password")}),
-              QStringList({"DEFAULT", "pw"}));
+              QStringList({"DEFAULT", QString::fromUtf8("p\u00a0w\nx\ry")}));
     EXPECT_EQ(m.app.Saved, "yes");
 }
 

@@ -73,4 +73,25 @@ TEST(CloseWindowByTitle, AsksOnlyTheFirstEligibleMatchToClose) {
     }
 }
 
+// The console of the launched server (marked '*') wins, then the exact title, then a title
+// that begins with it; a title that merely mentions the server is never taken.
+TEST(FindServerWindow, PrefersTheLaunchedServerThenTheWholeTitleNeverAMention) {
+    const std::pair<const char*, int> rows[] = {
+        {"notes about red faction dedicated server.txt - editor|RFDS", 1},
+        {"notes about red faction dedicated server.txt - editor", -1},
+        {"RFDS - log|red faction DEDICATED server", 1},
+        {"RFDS - log|Other", 0},
+        {"RFDS|RFDS - console*", 1},
+        {"Hostwarden|", -1}};
+    for (const auto& [desktop, found] : rows) {
+        FakeWindowServices fake;
+        for (const QString& w : QString(desktop).replace("RFDS", texts::kServerTitle).split('|')) {
+            fake.Add(QString(w).remove('*'));
+            fake.windows.last().process = w.endsWith('*') ? 300 : 0;
+        }
+        EXPECT_EQ(FindServerWindow(fake, 300), found < 0 ? 0 : fake.windows[found].handle)
+            << desktop;
+    }
+}
+
 } // namespace

@@ -57,8 +57,9 @@ TEST(OptionsText, ValuesAreRenderedAsTheFileExpects) {
         const char* what;
         void (*change)(AppState&);
         const char* line;
-    } rows[] = {{"name trimmed, blanks inside kept", [](AppState& s) { s.name = "  My Conf \t"; },
-                 "$Name:           \"My Conf\"\r\n"},
+    } rows[] = {{"only blanks trimmed from the name",
+                 [](AppState& s) { s.name = QString::fromUtf8("  My Conf \t\u00a0 "); },
+                 "$Name:           \"My Conf \t\u00a0\"\r\n"},
                 {"empty limit leaves the label alone", [](AppState& s) { s.maxplayers = ""; },
                  "$Max Players:    \r\n"},
                 {"any non-zero boolean is True", [](AppState& s) { s.teamdamage = 1; },

@@ -3,7 +3,9 @@
 #include "automation/AutoMessageHost.h"
 #include "automation/KeySender.h"
 #include "automation/Module2.h"
+#include "platform/Ansi.h"
 #include "platform/Beeper.h"
+#include "platform/Clock.h"
 #include "platform/MessageBoxes.h"
 #include "platform/RandomSource.h"
 #include "platform/WindowServices.h"
@@ -27,9 +29,9 @@ bool AllMessagesEmpty(AutoMessageHost& host) {
 
 AutoMessages::AutoMessages(AutoMessageHost& host, const AppState& state, WindowServices& windows,
                            KeySender& keys, RandomSource& random, Beeper& beeper,
-                           MessageBoxes& messages)
+                           MessageBoxes& messages, Clock& clock)
     : host_(host), state_(state), windows_(windows), keys_(keys), random_(random), beeper_(beeper),
-      messages_(messages) {}
+      messages_(messages), clock_(clock) {}
 
 void AutoMessages::QueueMessage(const QString& text) {
     if (text.isEmpty())
@@ -86,7 +88,8 @@ void AutoMessages::Timer1_Timer() {
     if (LSTBuff_.isEmpty() || sendEnabled_ || !PendingLine_.isEmpty())
         return;
     PendingLine_ = "say " + LSTBuff_.first() + "~";
-    focusWaitMs_ = 0;
+    pendingChars_ = PendingLine_.toStdU32String();
+    waitingSince_ = -1;
     SetTMRSendEnabled(true);
     LSTBuff_.removeFirst();
 }
@@ -95,10 +98,11 @@ void AutoMessages::TMRSend_Timer() {
     if (!sendEnabled_)
         return;
     ++SendPos_;
-    if (SendPos_ == PendingLine_.size() + 1) {
+    if (std::size_t(SendPos_) == pendingChars_.size() + 1) {
         SendPos_ = 0;
         SetTMRSendEnabled(false);
         PendingLine_.clear();
+        pendingChars_.clear();
         return;
     }
     if (ServerHandle_ != 0)
@@ -107,49 +111,70 @@ void AutoMessages::TMRSend_Timer() {
 }
 
 void AutoMessages::TypeCurrentCharacter() {
-    ActivateResult activation;
-    try {
-        activation = ActivateServerWindow(windows_);
-    } catch (const std::exception&) {
-        activation = ActivateResult::NotFound;
-    }
-
-    if (activation == ActivateResult::NotFound) {
-        RecoverServer();
+    // The operator is answering one of our questions: the keyboard is theirs.
+    if (messages_.IsShowing()) {
+        --SendPos_;
+        waitingSince_ = -1;
         return;
     }
-    if (activation == ActivateResult::NoDisplay) {
+    if (!windows_.HasDisplay()) {
         StopWithoutDisplay();
         return;
     }
-    if (activation == ActivateResult::NotFocused) {
-        // The console is there but something else holds the focus: typing now would
-        // send the keys to that window. Try this character again on the next tick.
-        --SendPos_;
-        focusWaitMs_ += host_.TypistIntervalMs();
-        if (focusWaitMs_ >= kFocusPatienceMs) {
-            DropPendingLine();
-            TellOnce(toldNotFocused_,
-                     "An automatic message was dropped: the server console never got the "
-                     "keyboard focus, so it could not be typed into. Bring the console to this "
-                     "workspace, or use a window manager that lets programs activate windows. "
-                     "Messages dropped later for the same reason are not reported again.");
+    WindowHandle console = FindServerWindow(windows_, serverProcess_);
+    const bool starting = clock_.NowMs() < graceUntil_;
+    // Right after a launch the old console may still be closing; only the new one counts.
+    if (starting && console && serverProcess_ != 0 &&
+        !windows_.InProcessTree(console, serverProcess_))
+        console = 0;
+    if (!console) {
+        if (starting) {
+            --SendPos_;
+            return;
         }
+        RecoverServer();
         return;
     }
+    graceUntil_ = 0;
 
-    focusWaitMs_ = 0;
+    windows_.ActivateWindow(console);
+    if (!windows_.HasFocus(console)) {
+        // Typing now would send the key to whatever window has the focus.
+        WaitForFocus();
+        return;
+    }
+    waitingSince_ = -1;
+    // One character of the ANSI code page; anything else is typed as "?".
+    const char32_t ch = FromAnsi(ToAnsi(pendingChars_[std::size_t(SendPos_ - 1)]));
     try {
-        keys_.PushKeys(PendingLine_.mid(SendPos_ - 1, 1));
+        keys_.PushKeys(QString::fromUcs4(&ch, 1));
     } catch (const std::exception&) {
         RecoverServer();
     }
 }
 
+void AutoMessages::WaitForFocus() {
+    --SendPos_;
+    const std::int64_t now = clock_.NowMs();
+    if (waitingSince_ < 0) {
+        waitingSince_ = now;
+        return;
+    }
+    if (now - waitingSince_ < kFocusPatienceMs)
+        return;
+    const QString line = PendingLine_;
+    DropPendingLine();
+    messages_.Notify({"The Red Faction Dedicated Server console did not take the keyboard "
+                      "for 10 seconds, so this line was not sent:\r\n" +
+                          line,
+                      "Auto Message", MsgButtons::OK, MsgIcon::Information, MsgDefault::First});
+}
+
 void AutoMessages::DropPendingLine() {
     PendingLine_.clear();
+    pendingChars_.clear();
     SendPos_ = 0;
-    focusWaitMs_ = 0;
+    waitingSince_ = -1;
     SetTMRSendEnabled(false);
 }
 
@@ -176,9 +201,10 @@ void AutoMessages::RecoverServer() {
     SetTMRAddsEnabled(false);
     SetTMRSendEnabled(false);
     PendingLine_.clear();
+    pendingChars_.clear();
     LSTBuff_.clear();
     ServerHandle_ = 0;
-    focusWaitMs_ = 0;
+    waitingSince_ = -1;
 
     if (host_.ServRecChecked()) {
         host_.Launch();
@@ -192,12 +218,23 @@ void AutoMessages::RecoverServer() {
 
 void AutoMessages::ForgetServer() {
     ServerHandle_ = 0;
+    serverProcess_ = 0;
+    graceUntil_ = 0;
+    // The rest of a half-typed line would reach the new server as a command of its own.
+    // The typist finds the line used up at its next tick and goes idle.
+    PendingLine_.clear();
+    pendingChars_.clear();
+    SendPos_ = 0;
+    waitingSince_ = -1;
 }
 
-void AutoMessages::ServerLaunched(std::uint32_t handle) {
+void AutoMessages::ServerLaunched(std::uint32_t handle, std::int64_t process) {
     ServerHandle_ = handle;
-    if (handle != 0)
-        SetTMRAddsEnabled(true);
+    if (handle == 0)
+        return;
+    serverProcess_ = process;
+    graceUntil_ = clock_.NowMs() + kLaunchGraceMs;
+    SetTMRAddsEnabled(true);
 }
 
 void AutoMessages::SetTMRAddsEnabled(bool enabled) {

@@ -4,9 +4,11 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <string>
 
 class AutoMessageHost;
 class Beeper;
+class Clock;
 class KeySender;
 class MessageBoxes;
 class RandomSource;
@@ -24,9 +26,12 @@ public:
     // How long a line may wait for the console to get the input focus before it is
     // dropped.
     static constexpr int kFocusPatienceMs = 10000;
+    // How long after a launch a missing console means "not up yet" rather than "gone".
+    static constexpr int kLaunchGraceMs = 30000;
 
     AutoMessages(AutoMessageHost& host, const AppState& state, WindowServices& windows,
-                 KeySender& keys, RandomSource& random, Beeper& beeper, MessageBoxes& messages);
+                 KeySender& keys, RandomSource& random, Beeper& beeper, MessageBoxes& messages,
+                 Clock& clock);
 
     // Appends a non-empty text to the queue; an empty one is ignored.
     void QueueMessage(const QString& text);
@@ -45,10 +50,12 @@ public:
     // ("Server Recover" checked) or tells the operator.
     void RecoverServer();
 
-    // A launch begins: no server is known until it reports one.
+    // A launch begins: no server is known until it reports one, and a line half typed
+    // for the old server is dropped.
     void ForgetServer();
-    // The launch started a server (non-zero handle): its countdown starts.
-    void ServerLaunched(std::uint32_t handle);
+    // The launch started a server (non-zero handle) as `process` (0 when not known):
+    // its countdown starts, and its console has a grace period to appear.
+    void ServerLaunched(std::uint32_t handle, std::int64_t process = 0);
 
     bool TMRAddsEnabled() const { return addsEnabled_; }
     bool TMRSendEnabled() const { return sendEnabled_; }
@@ -56,7 +63,8 @@ public:
     const QStringList& Queue() const { return LSTBuff_; }
     // The chat command being typed; empty while the typist is idle.
     const QString& PendingLine() const { return PendingLine_; }
-    // Position (from 1) of the character of PendingLine typed last; 0 while idle.
+    // Position (from 1) of the character of PendingLine typed last, counting characters
+    // (not UTF-16 units); 0 while idle.
     int SendPos() const { return SendPos_; }
     // Seconds counted since the last batch was queued.
     int AddsSeconds() const { return AddsSeconds_; }
@@ -67,8 +75,12 @@ private:
     void SetTMRAddsEnabled(bool enabled);
     void SetTMRSendEnabled(bool enabled);
     void QueueDueMessages();
-    // Activates the console and types character number SendPos of PendingLine.
+    // Activates the console and types character number SendPos of PendingLine; when
+    // the console cannot take it yet, the character waits for the next tick.
     void TypeCurrentCharacter();
+    // The character stays for the next tick; after too long without progress the line
+    // is dropped and the operator told.
+    void WaitForFocus();
     void DropPendingLine();
     // Typing cannot work in this session at all: the messages stop, the server runs on.
     void StopWithoutDisplay();
@@ -82,15 +94,20 @@ private:
     RandomSource& random_;
     Beeper& beeper_;
     MessageBoxes& messages_;
+    Clock& clock_;
 
     QString PendingLine_;
+    std::u32string pendingChars_; // PendingLine_ by character
     std::int16_t SendPos_ = 0;
     std::int16_t AddsSeconds_ = 0;
     QStringList LSTBuff_;
     std::uint32_t ServerHandle_ = 0;
     bool addsEnabled_ = false;
     bool sendEnabled_ = false;
-    // Time the current line has waited for the console's focus, in milliseconds.
-    int focusWaitMs_ = 0;
-    bool toldNoDisplay_ = false, toldNotFocused_ = false;
+    std::int64_t serverProcess_ = 0;
+    // While the clock is before this, a missing console is one not up yet.
+    std::int64_t graceUntil_ = 0;
+    // When the current character began to wait for the console's focus; -1 when not.
+    std::int64_t waitingSince_ = -1;
+    bool toldNoDisplay_ = false;
 };

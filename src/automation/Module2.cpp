@@ -28,6 +28,24 @@ void PostCloseRequest(WindowServices& windows, WindowHandle window) {
     windows.PostMessage(window, WM_CLOSE);
 }
 
-ActivateResult ActivateServerWindow(WindowServices& windows) {
-    return windows.ActivateByTitle(kServerWindowTitle);
+WindowHandle FindServerWindow(WindowServices& windows, std::int64_t serverProcess) {
+    enum Rank { OwnServer, WholeTitle, LeadingTitle, None };
+    WindowHandle best = 0;
+    Rank bestRank = None;
+    for (WindowHandle h = windows.GetWindow(windows.MainWindow(), WindowRelation::First);
+         h != 0 && bestRank != OwnServer; h = windows.GetWindow(h, WindowRelation::Next)) {
+        if (!windows.IsWindow(h))
+            continue;
+        const QString text = windows.GetWindowText(h);
+        if (!text.startsWith(kServerWindowTitle, Qt::CaseInsensitive))
+            continue;
+        Rank rank = text.size() == kServerWindowTitle.size() ? WholeTitle : LeadingTitle;
+        if (serverProcess != 0 && windows.InProcessTree(h, serverProcess))
+            rank = OwnServer;
+        if (rank < bestRank) {
+            best = h;
+            bestRank = rank;
+        }
+    }
+    return best;
 }

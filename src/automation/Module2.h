@@ -15,5 +15,9 @@ void CloseWindowByTitle(WindowServices& windows, const QString& title);
 // it, or is disabled. Does not wait for the window to close.
 void PostCloseRequest(WindowServices& windows, WindowHandle window);
 
-// Brings the server console to the front; NotFound when no server window is there.
-ActivateResult ActivateServerWindow(WindowServices& windows);
+// The console of the running server, 0 when there is none. Only a window whose title
+// begins with the server title (any letter case) is taken; among those, the first in
+// stacking order that belongs to `serverProcess` (the launched process tree), then the
+// first whose whole title is the server title, then the first of the rest. A window
+// that merely mentions the server in its title is never taken.
+WindowHandle FindServerWindow(WindowServices& windows, std::int64_t serverProcess);

@@ -20,4 +20,8 @@ public:
 
     // The process's current directory.
     virtual QString CurrentDirectory() = 0;
+
+    // The process at the head of what the last successful start runs (the program and
+    // the processes it starts belong to it); 0 when not known.
+    virtual std::int64_t LastStartedProcess() { return 0; }
 };

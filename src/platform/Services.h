@@ -8,6 +8,7 @@ class RandomSource;
 class ProcessLauncher;
 class WindowServices;
 class Keyboard;
+class Clock;
 
 // The operating-system services the program uses, one interface each. The program's
 // entry wires the real backends; tests wire doubles.
@@ -20,4 +21,5 @@ struct Services {
     ProcessLauncher& launcher;
     WindowServices& windows;
     Keyboard& keyboard;
+    Clock& clock;
 };

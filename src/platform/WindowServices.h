@@ -12,13 +12,6 @@ constexpr std::uint32_t WS_DISABLED = 0x08000000;
 constexpr std::uint32_t WM_CLOSE = 0x10;
 constexpr std::uint32_t WM_CANCELMODE = 0x1F;
 
-enum class ActivateResult {
-    Activated,  // the window is in front and holds the input focus
-    NotFound,   // no window answers to the title
-    NotFocused, // the window is there but the focus stayed elsewhere
-    NoDisplay,  // there is no window system to find it in (no X display)
-};
-
 // Top-level windows of the desktop, as the server-window lookup needs them.
 class WindowServices {
 public:
@@ -36,6 +29,13 @@ public:
     virtual void SetMainWindow(WindowHandle window) = 0;
     virtual void ProcessPendingEvents() = 0;
 
-    // Brings the window whose title contains `title` (any letter case) to the front.
-    virtual ActivateResult ActivateByTitle(const QString& title) = 0;
+    // Whether `window` belongs to `process` or to a process it started, directly or not.
+    virtual bool InProcessTree(WindowHandle window, std::int64_t process) = 0;
+    // Asks for `window` to become the active window on the desktop the operator looks
+    // at. Returns at once; HasFocus tells later whether it worked.
+    virtual void ActivateWindow(WindowHandle window) = 0;
+    // Whether `window` holds the keyboard focus now.
+    virtual bool HasFocus(WindowHandle window) = 0;
+    // Whether there is a window system to look in at all (an X display).
+    virtual bool HasDisplay() = 0;
 };

@@ -2,6 +2,7 @@
 
 #include "automation/AutoMessages.h"
 #include "automation/ModPushKeys.h"
+#include "platform/ProcessLauncher.h"
 #include "platform/Services.h"
 #include "ui/automation/AutoMessageHandlers.h"
 #include "ui/automation/RateHandlers.h"
@@ -15,13 +16,40 @@
 
 #include <QButtonGroup>
 #include <QCloseEvent>
+#include <QComboBox>
+#include <QIcon>
 #include <QKeyEvent>
+#include <QLineEdit>
+
+QIcon HostwardenIcon() {
+    QIcon icon;
+    icon.addFile(QStringLiteral(":/ui/images/icon16.png"), QSize(16, 16));
+    icon.addFile(QStringLiteral(":/ui/images/icon32.png"), QSize(32, 32));
+    return icon;
+}
+
+namespace {
+
+// Typing into an editable drop-down chooses nothing: no completion, and neither Enter
+// nor leaving the field selects the entry that matches the typed text.
+void TypingChoosesNothing(QComboBox* list) {
+    list->setCompleter(nullptr);
+    QLineEdit* edit = list->lineEdit();
+    QObject::disconnect(edit, &QLineEdit::editingFinished, list, nullptr);
+    QObject::disconnect(edit, &QLineEdit::returnPressed, list, nullptr);
+}
+
+} // namespace
 
 Hostwarden::Hostwarden(AppState& state, WindowRegistry& windows, Services& services,
                        QWidget* parent)
     : QWidget(parent), app(state), forms(windows), services(services),
       ui(std::make_unique<Ui::Hostwarden>()) {
     ui->setupUi(this);
+    setWindowIcon(HostwardenIcon());
+    for (QComboBox* list : findChildren<QComboBox*>())
+        if (list->isEditable())
+            TypingChoosesNothing(list);
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
     setFixedSize(791, 504);
     for (QTimer* timer : {&Timer1, &TMRAdds, &TMRSend})
@@ -41,9 +69,9 @@ Hostwarden::Hostwarden(AppState& state, WindowRegistry& windows, Services& servi
     TMRSend.setInterval(110);
     keys_ = std::make_unique<ModPushKeys>(services.keyboard);
     messageHost_ = std::make_unique<MainWindowMessageHost>(*this);
-    automation_ =
-        std::make_unique<AutoMessages>(*messageHost_, app, services.windows, *keys_,
-                                       services.random, services.beeper, services.messages);
+    automation_ = std::make_unique<AutoMessages>(*messageHost_, app, services.windows, *keys_,
+                                                 services.random, services.beeper,
+                                                 services.messages, services.clock);
 
     Connect();
     Timer1.start();
@@ -68,7 +96,7 @@ void Hostwarden::ForgetServer() {
 }
 
 void Hostwarden::ServerLaunched(std::uint32_t handle) {
-    automation_->ServerLaunched(handle);
+    automation_->ServerLaunched(handle, services.launcher.LastStartedProcess());
 }
 
 void Hostwarden::Connect() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "options/OptionsText.h"
 #include "server/AppState.h"
 
 #include <QTimer>
@@ -15,9 +16,13 @@ class Hostwarden;
 class AutoMessages;
 class MainWindowMessageHost;
 class ModPushKeys;
+class QIcon;
 class QLineEdit;
 struct Services;
 struct WindowRegistry;
+
+// The program's icon, 16 × 16 and 32 × 32.
+QIcon HostwardenIcon();
 
 // The main window. It creates its controls and connects their signals to the handlers
 // under ui/<subsystem>/; the handlers reach the controls through `ui`.
@@ -34,6 +39,8 @@ public:
     std::unique_ptr<Ui::Hostwarden> ui;
     // The four message boxes TXTMess(0) to TXTMess(3).
     std::array<QLineEdit*, 4> TXTMess{};
+    // The exact text behind TXTSTat, as it goes into dedicated_server.txt.
+    OptionsTextModel optionsText;
 
     // Milliseconds between typed characters: the interval of TMRSend.
     int TextRate() const;

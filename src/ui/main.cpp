@@ -1,5 +1,6 @@
 #include "platform/Services.h"
 #include "platform/posix/PosixProcessLauncher.h"
+#include "platform/posix/SteadyClock.h"
 #include "platform/qt/QtMessageBoxes.h"
 #include "platform/qt/QtServices.h"
 #include "platform/qt/SingleInstance.h"
@@ -48,7 +49,7 @@ int main(int argc, char** argv) {
     windowSystem.Forget();
     QApplication::setApplicationName(QStringLiteral("Hostwarden"));
     QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 7));
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/ui/images/icon32.png")));
+    QApplication::setWindowIcon(HostwardenIcon());
 
     X11WindowServices windows;
     WindowRegistry forms;
@@ -63,7 +64,7 @@ int main(int argc, char** argv) {
         front->showNormal();
         front->raise();
         front->activateWindow();
-        windows.Activate(static_cast<WindowHandle>(front->winId()));
+        windows.ActivateWindow(static_cast<WindowHandle>(front->winId()));
     });
     if (!instance.Claim())
         return 0;
@@ -85,7 +86,8 @@ int main(int argc, char** argv) {
     QtRandom random;
     PosixProcessLauncher launcher;
     X11Keyboard keyboard;
-    Services services{store, messages, beeper, end, random, launcher, windows, keyboard};
+    SteadyClock clock;
+    Services services{store, messages, beeper, end, random, launcher, windows, keyboard, clock};
 
     AppState state;
     auto* setup = new Setup(state, forms, services);

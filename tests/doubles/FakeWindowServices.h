@@ -15,6 +15,7 @@ public:
         WindowHandle owner = 0;
         std::uint32_t style = 0;
         bool gone = false;
+        std::int64_t process = 0; // the launched process tree it belongs to
     };
     struct Post {
         WindowHandle window;
@@ -52,21 +53,23 @@ public:
         if (onPendingEvents)
             onPendingEvents();
     }
-    ActivateResult ActivateByTitle(const QString& title) override {
-        activations.append(title);
-        if (noDisplay)
-            return ActivateResult::NoDisplay;
-        for (const Window& w : windows)
-            if (!w.gone && w.title.contains(title, Qt::CaseInsensitive))
-                return focusStolen ? ActivateResult::NotFocused : ActivateResult::Activated;
-        return ActivateResult::NotFound;
+    bool InProcessTree(WindowHandle w, std::int64_t process) override {
+        return Find(w) && Find(w)->process == process;
     }
+    void ActivateWindow(WindowHandle w) override {
+        activations.append(w);
+        if (!focusStolen && IsWindow(w))
+            focus = w;
+    }
+    bool HasFocus(WindowHandle w) override { return focus == w && IsWindow(w); }
+    bool HasDisplay() override { return !noDisplay; }
 
     QList<Window> windows;
     QList<Post> posts;
-    QList<QString> activations;
+    QList<WindowHandle> activations;
     WindowHandle mainWindow = 0;
-    // When set, activation finds the window but the focus stays elsewhere.
+    WindowHandle focus = 0;
+    // When set, activation leaves the focus where it is.
     bool focusStolen = false;
     bool noDisplay = false;
     // Runs on every ProcessPendingEvents, to let a test change the desktop mid-walk.

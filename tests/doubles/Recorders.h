@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Beeper.h"
+#include "platform/Clock.h"
 #include "platform/ProcessEnd.h"
 #include "platform/RandomSource.h"
 
@@ -33,4 +34,11 @@ public:
 
 private:
     std::mt19937 engine_;
+};
+
+// A clock that moves only when told.
+class FakeClock : public Clock {
+public:
+    std::int64_t NowMs() override { return now; }
+    std::int64_t now = 1000;
 };

@@ -21,7 +21,8 @@ struct TestServices {
     RecordingLauncher launcher;
     FakeWindowServices windows;
     RecordingKeyboard keyboard;
-    Services services{store, messages, beeper, end, random, launcher, windows, keyboard};
+    FakeClock clock;
+    Services services{store, messages, beeper, end, random, launcher, windows, keyboard, clock};
 
     QString Get(const QString& section, const QString& key) {
         return store.GetSetting(kAppName, section, key);

@@ -1,6 +1,7 @@
 // The automatic messages as the stand-in server sees them: its chat lines typed into its
 // console at the message interval and the text rate, a server that died started again, the
-// console kept in front while an operator works in another window.
+// console kept in front while an operator works in another window, held back while the
+// operator answers a question.
 #include "Journey.h"
 
 #include <QFile>
@@ -15,6 +16,8 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 const std::array<QString, 4> kTwoMessages = {"hello one", "", "third box", ""};
+// A window that only mentions the server in its title.
+const QString kDecoyTitle = "notes about red faction dedicated server.txt - editor";
 const QStringList kBatch = {"say hello one", "say third box"};
 
 // The program's "second" in the short runs: a three-minute interval passes in 3.6 s.
@@ -111,6 +114,8 @@ TEST_P(Recovery, AServerThatDiedIsStartedAgainAndTheMessagesGoOn) {
     const QByteArray commandLine = ReadFile(GameFile("commandline.txt"));
     ASSERT_TRUE(QFile::remove(GameFile("commandline.txt")));
     ASSERT_EQ(StartedPids().size(), 1u);
+    Process decoy("xterm", {"-T", kDecoyTitle}, desktop_.Environment());
+    ASSERT_TRUE(desktop_.WaitFor(kDecoyTitle));
     ASSERT_EQ(::kill(StartedPids().front(), SIGKILL), 0); // as a crash would
     ASSERT_TRUE(desktop_.WaitGone(*server));
 
@@ -149,34 +154,40 @@ TEST_P(Recovery, AServerThatDiedIsStartedAgainAndTheMessagesGoOn) {
 INSTANTIATE_TEST_SUITE_P(ServerRecover, Recovery, testing::Bool(),
                          [](const auto& info) { return info.param ? "On" : "Off"; });
 
-// An operator working in another window while a chat line is being typed: the program
-// brings the server console back before every key, so the line reaches the server whole
-// and the other window gets nothing.
+// An operator working in another window, one whose title mentions the server, while a chat
+// line is being typed into a console on another desktop: the program brings the console to
+// the operator's desktop and in front before every key, so the line reaches the server
+// whole, letters outside ASCII included, and the other window gets nothing.
 TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
-    // 120 characters without any of the key language's special characters; capitals are
-    // typed with Shift, so a focus change between Shift and the letter would show too.
-    const QString message =
-        QStringLiteral("Welcome to the Hostwarden test server, please keep the chat friendly and "
-                       "read the Rules at the Spawn point, then go Play");
+    // Characters outside the key language's special ones; capitals are typed with Shift, so a
+    // focus change between Shift and the letter would show too.
+    const QString message = QString::fromUtf8(
+        "Welcome to the Hostwarden test server, please keep the chat friendly and read the "
+        "Rules at the Spawn point, then go Play: caf\u00e9 \u00df \u20ac \U0001F600 ok");
+    const QString line = "say " + QString(message).replace(QString::fromUtf8("\U0001F600"), "?");
     // A 15-minute interval of 10 ms seconds: 9 s from launch to the long line.
     ASSERT_NO_FATAL_FAILURE(StartMain(
         {.startup = {"TextRate=110", "MsgRate=15"}, .messages = {message, "", "", ""}}, 10));
     ASSERT_TRUE(ClickMain("CMDLaunch"));
-    ASSERT_TRUE(desktop_.WaitFor(kServerTitle));
+    const auto console = desktop_.WaitFor(kServerTitle);
+    ASSERT_TRUE(console);
+    const QString consoleId = QString::number(*console);
+    ASSERT_TRUE(desktop_.Run("xdotool", {"set_num_desktops", "2"}));
+    ASSERT_TRUE(desktop_.Run("xdotool", {"set_desktop_for_window", consoleId, "1"}));
     ASSERT_TRUE(WaitUntil([&] { return KeyCount() > 0; }, 30s)) << "typing never began";
     // The operator turns "Auto Message" off, which also keeps the next batch (due in 9 s)
     // out of the probe below; the line being typed goes on.
     ASSERT_TRUE(ClickMain("CHKMessage"));
 
     const QString other = gameParent_.filePath("OTHER");
-    Process xterm("xterm", {"-T", "other", "-e", "sh", "-c", "cat > '" + other + "'"},
+    Process xterm("xterm", {"-T", kDecoyTitle, "-e", "sh", "-c", "cat > '" + other + "'"},
                   desktop_.Environment());
-    const auto otherId = desktop_.WaitFor("other");
+    const auto otherId = desktop_.WaitFor(kDecoyTitle);
     ASSERT_TRUE(otherId);
 
     // Every 15 keys or so (or 2 s, should the keys stop coming), click into the other window
     // and activate it, as an operator would, and note whether it really held the focus.
-    const int lineKeys = int(4 + message.size() + 1);
+    const int lineKeys = int(line.size() + 1);
     int stolen = 0;
     for (int round = 0; round < 6; ++round) {
         const int target = std::min(lineKeys - 5, KeyCount() + 15);
@@ -189,8 +200,9 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
 
     // On failure, go on to the other window: what it caught tells where the keys went.
     EXPECT_TRUE(WaitForTranscript(1, 30s)) << "the line never ended";
-    EXPECT_EQ(Transcript(), QStringList{"say " + message});
-    EXPECT_EQ(KeyTexts(), QStringList{"say " + message}) << "keys the server saw";
+    EXPECT_EQ(Transcript(), QStringList{line});
+    EXPECT_EQ(KeyTexts(), QStringList{line}) << "keys the server saw";
+    EXPECT_EQ(desktop_.Run("xdotool", {"get_desktop_for_window", consoleId}), "0\n");
 
     // Anything typed into the other window would sit in its terminal line until a line
     // end; our own probe and its Return flush it out together.
@@ -199,6 +211,31 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     ASSERT_TRUE(desktop_.Key("Return"));
     EXPECT_TRUE(WaitUntil([&] { return ReadFile(other).endsWith('\n'); }, 10s));
     EXPECT_EQ(ReadFile(other), "probe\n");
+}
+
+// The Exit question keeps the keyboard: the line waits and then goes on whole. A second
+// launch in the middle of a line drops its rest: one new server, nothing reported lost, and
+// the next line reaches it whole.
+TEST_F(Journey, QuestionsKeepTheKeyboardAndASecondLaunchDropsTheHalfLine) {
+    const QString line = "say a line long enough to be interrupted while it is typed";
+    ASSERT_NO_FATAL_FAILURE(
+        StartMain({.startup = {"TextRate=50"}, .messages = {line.mid(4), "", "", ""}}, kSecondMs));
+    ASSERT_TRUE(ClickMain("CMDLaunch"));
+    ASSERT_TRUE(WaitUntil([&] { return KeyCount() >= 10; }, kInterval + 30s));
+    ASSERT_TRUE(ClickMain("CMDExit"));
+    const auto question = desktop_.WaitFor("Save and exit or just exit");
+    ASSERT_TRUE(question);
+    const int keys = KeyCount(); // one more may have been on its way
+    EXPECT_FALSE(WaitUntil([&] { return KeyCount() > keys + 1; }, 1500ms)) << "typed on";
+    EXPECT_EQ(desktop_.Focused(), question);
+    ASSERT_TRUE(desktop_.Key("Return")); // "No", the default button
+    ASSERT_TRUE(WaitUntil([&] { return KeyCount() >= line.size() + 10; }, kInterval + 30s));
+    ASSERT_TRUE(ClickMain("CMDLaunch"));
+    ASSERT_TRUE(WaitForTranscript(2, kInterval + 30s)) << Windows();
+    EXPECT_FALSE(desktop_.Find(kServerErrorTitle)) << "a Server Error box waits for its answer";
+    EXPECT_EQ(Transcript(), QStringList({line, line}));
+    EXPECT_EQ(KeyTexts(), QStringList{line}) << "the new server's own keys";
+    EXPECT_EQ(desktop_.Titles().count(kServerTitle), 1);
 }
 
 } // namespace

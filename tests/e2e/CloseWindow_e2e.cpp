@@ -97,6 +97,12 @@ std::pair<Process, WindowId> Xterm(const Desktop& desktop, const QString& title)
     return {std::move(xterm), id};
 }
 
+// Asks for the window to be activated, as the typist does; true when it holds the focus.
+bool Activated(X11WindowServices& services, WindowHandle window) {
+    services.ActivateWindow(window);
+    return window != 0 && services.HasFocus(window);
+}
+
 // The X server has handled every request sent so far, by us and by the clients.
 void Settle(const Desktop& desktop) {
     desktop.Run("xprop", {"-root", "_NET_CLIENT_LIST_STACKING"});
@@ -127,9 +133,8 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     const QString line = "say Hello, World! it's (ok) <x>: \"q\" @#$&* =;/.-[]\\_|?";
     ModPushKeys keys(keyboard);
     for (const QChar ch : line + "~") {
-        ASSERT_TRUE(WaitUntil(
-            [&] { return services.ActivateByTitle(kServerTitle) == ActivateResult::Activated; },
-            15s))
+        ASSERT_TRUE(
+            WaitUntil([&] { return Activated(services, FindServerWindow(services, 0)); }, 15s))
             << "lost the console before " << QString(ch);
         keys.PushKeys(QString(ch));
     }
@@ -159,11 +164,11 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     // The first one started is raised again, so "upper" is not merely "newest".
     ASSERT_TRUE(desktop_.Activate(upperId));
     ASSERT_TRUE(desktop_.Activate(partId));
-    EXPECT_EQ(services.ActivateByTitle("red faction DEDICATED server"), ActivateResult::Activated);
+    ASSERT_EQ(FindServerWindow(services, 0), upperId);
+    EXPECT_TRUE(WaitUntil([&] { return Activated(services, upperId); }, 10s));
     EXPECT_EQ(desktop_.Active(), upperId);
     // Already in front: reported at once.
-    EXPECT_EQ(services.ActivateByTitle(kServerTitle), ActivateResult::Activated);
-    EXPECT_EQ(services.ActivateByTitle("No Such Server"), ActivateResult::NotFound);
+    EXPECT_TRUE(Activated(services, upperId));
 
     CloseWindowByTitle(services, kServerTitle);
     EXPECT_TRUE(upper.WaitForExit(10s)) << "the upper console was not closed";
@@ -174,7 +179,7 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     EXPECT_TRUE(lower.WaitForExit(10s));
     ASSERT_TRUE(desktop_.WaitGone(lowerId));
     EXPECT_TRUE(part.IsRunning());
-    EXPECT_EQ(services.ActivateByTitle(kServerTitle), ActivateResult::NotFound);
+    EXPECT_EQ(FindServerWindow(services, 0), 0u);
 
     // openbox ends the connection of a client that cannot be asked politely.
     auto [plain, plainId] = Xterm(desktop_, kServerTitle);
@@ -202,7 +207,9 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     // A console that takes no keyboard input comes to the front without the focus.
     RawWindow deaf(desktop_, "deaf console", {.ownPid = false, .input = false});
     ASSERT_TRUE(OnTop(desktop_, deaf.Id()));
-    EXPECT_EQ(services.ActivateByTitle("deaf console"), ActivateResult::NotFocused);
+    services.ActivateWindow(WindowHandle(deaf.Id()));
+    Settle(desktop_);
+    EXPECT_FALSE(services.HasFocus(WindowHandle(deaf.Id())));
     EXPECT_TRUE(services.IsConnected());
 }
 
@@ -231,7 +238,7 @@ TEST_F(Journey, WithoutAWindowManagerTheConsoleIsClosedAndALostServerIsSurvived)
             std::make_unique<RawWindow>(bare, kServerTitle, WindowOptions{.ownPid = false});
         services.SetMainWindow(WindowHandle(main.Id()));
 
-        EXPECT_EQ(services.ActivateByTitle(kServerTitle), ActivateResult::Activated);
+        EXPECT_TRUE(Activated(services, FindServerWindow(services, 0)));
         EXPECT_EQ(services.ClientWindows().front(), console->Id()) << "raised to the top";
 
         CloseWindowByTitle(services, kServerTitle);
@@ -240,16 +247,15 @@ TEST_F(Journey, WithoutAWindowManagerTheConsoleIsClosedAndALostServerIsSurvived)
         EXPECT_EQ(notes.CloseRequests(), 0);
         EXPECT_EQ(main.CloseRequests(), 0);
         console.reset();
-        EXPECT_TRUE(WaitUntil(
-            [&] { return services.ActivateByTitle(kServerTitle) == ActivateResult::NotFound; },
-            10s));
+        EXPECT_TRUE(WaitUntil([&] { return FindServerWindow(services, 0) == 0; }, 10s));
     }
 
     bare.StopServer();
     EXPECT_THROW(keyboard.KeyEvent(0x10, 0, 0), KeySendError);
     XSync(other, False); // the loss travels the handler chain once, without recursing
     EXPECT_TRUE(otherLost);
-    EXPECT_EQ(services.ActivateByTitle("notes"), ActivateResult::NotFound);
+    services.ActivateWindow(1);
+    EXPECT_FALSE(services.HasFocus(1));
     EXPECT_FALSE(services.IsConnected());
     EXPECT_EQ(services.GetWindow(0, WindowRelation::First), 0u);
     CloseWindowByTitle(services, "notes");

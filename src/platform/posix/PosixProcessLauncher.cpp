@@ -140,6 +140,10 @@ QString FindWine() {
     ::_exit(127);
 }
 
+// The intermediate process of the last successful start: it opened the session in which
+// the program and everything it starts run.
+pid_t lastSession = 0;
+
 // Starts argv[0] detached: an intermediate process opens a new session, forks the
 // program and leaves at once, so init adopts the program and we reap only the
 // intermediate. The program reports a failed exec through a close-on-exec pipe.
@@ -187,6 +191,7 @@ std::int32_t Spawn(const QStringList& arguments, const QString& workingDirectory
     ::close(report[0]);
     if (got == sizeof error)
         return FromErrno(error);
+    lastSession = middle;
     return kStarted;
 }
 
@@ -273,6 +278,10 @@ std::int32_t PosixProcessLauncher::StartCommandLine(const QString& commandLine,
         return Start(located.path, SplitBlanks(split.rest), FolderOf(located.path));
     }
     return error;
+}
+
+std::int64_t PosixProcessLauncher::LastStartedProcess() {
+    return lastSession;
 }
 
 QString PosixProcessLauncher::CurrentDirectory() {

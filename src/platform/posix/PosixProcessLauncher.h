@@ -28,4 +28,8 @@ public:
     std::int32_t StartCommandLine(const QString& commandLine, std::int32_t windowStyle) override;
 
     QString CurrentDirectory() override;
+
+    // The session of the last started program: the id of the intermediate process that
+    // opened it. The program and the processes it starts carry it as their session id.
+    std::int64_t LastStartedProcess() override;
 };

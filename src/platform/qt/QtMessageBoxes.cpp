@@ -3,13 +3,37 @@
 #include <QApplication>
 #include <QMessageBox>
 
+namespace {
+
+QMessageBox::Icon IconOf(MsgIcon icon) {
+    return icon == MsgIcon::Critical      ? QMessageBox::Critical
+           : icon == MsgIcon::Information ? QMessageBox::Information
+                                          : QMessageBox::NoIcon;
+}
+
+} // namespace
+
+void QtMessageBoxes::Notify(const MessageRequest& request) {
+    if (!notice_) {
+        notice_ = new QMessageBox;
+        notice_->setAttribute(Qt::WA_DeleteOnClose);
+        // The console keeps the keyboard; the operator reads this when they look.
+        notice_->setAttribute(Qt::WA_ShowWithoutActivating);
+        notice_->setWindowFlag(Qt::WindowStaysOnTopHint);
+        notice_->setStandardButtons(QMessageBox::Ok);
+        notice_->setModal(false);
+    }
+    notice_->setText(request.text);
+    notice_->setWindowTitle(request.title);
+    notice_->setIcon(IconOf(request.icon));
+    notice_->show();
+}
+
 MsgAnswer QtMessageBoxes::Show(const MessageRequest& request) {
     QMessageBox box;
     box.setText(request.text);
     box.setWindowTitle(request.title);
-    box.setIcon(request.icon == MsgIcon::Critical      ? QMessageBox::Critical
-                : request.icon == MsgIcon::Information ? QMessageBox::Information
-                                                       : QMessageBox::NoIcon);
+    box.setIcon(IconOf(request.icon));
     QMessageBox::StandardButton first = QMessageBox::Ok;
     QMessageBox::StandardButton second = QMessageBox::NoButton;
     switch (request.buttons) {
@@ -29,7 +53,10 @@ MsgAnswer QtMessageBoxes::Show(const MessageRequest& request) {
                                                                                        : first);
     // The box belongs to no window; keep it above whatever the operator looks at.
     box.setWindowFlag(Qt::WindowStaysOnTopHint);
-    switch (box.exec()) {
+    ++showing_;
+    const int answer = box.exec();
+    --showing_;
+    switch (answer) {
     case QMessageBox::Yes:
         return MsgAnswer::Yes;
     case QMessageBox::No:

@@ -1,5 +1,6 @@
 #include "platform/x11/X11Keyboard.h"
 
+#include "platform/Ansi.h"
 #include "platform/KeySendError.h"
 #include "platform/UsLayout.h"
 #include "platform/x11/XConnectionLoss.h"
@@ -15,6 +16,9 @@
 #include <utility>
 
 namespace {
+
+// Spare keycodes used in turn for characters without a key.
+constexpr std::size_t kSpareKeys = 8;
 
 // Virtual keys outside the runs of letters, digits, keypad digits and function keys.
 constexpr std::pair<std::uint8_t, KeySym> kNamedKeysyms[] = {
@@ -65,12 +69,68 @@ unsigned long X11Keyboard::KeysymFor(std::uint8_t vk) {
     return NoSymbol;
 }
 
+unsigned long X11Keyboard::KeysymForChar(char32_t ch) {
+    if ((ch >= 0x20 && ch < 0x7F) || (ch >= 0xA0 && ch <= 0xFF))
+        return ch; // Latin-1 keysyms are the characters themselves
+    if (ch > 0xFF && ch <= 0x10FFFF)
+        return 0x01000000 + ch;
+    return NoSymbol;
+}
+
+unsigned char X11Keyboard::BindSpare(Display* display, unsigned long keysym) {
+    if (spares_.empty()) {
+        int low = 0, high = 0, perCode = 0;
+        XDisplayKeycodes(display, &low, &high);
+        KeySym* map = XGetKeyboardMapping(display, KeyCode(low), high - low + 1, &perCode);
+        // The highest keycodes that type nothing.
+        for (int code = high; code >= low && map && spares_.size() < kSpareKeys; --code) {
+            bool empty = true;
+            for (int i = 0; i < perCode; ++i)
+                empty = empty && map[(code - low) * perCode + i] == NoSymbol;
+            if (empty)
+                spares_.push_back({static_cast<unsigned char>(code), NoSymbol});
+        }
+        if (map)
+            XFree(map);
+        if (spares_.empty())
+            return 0;
+    }
+    for (const Spare& spare : spares_)
+        if (spare.keysym == keysym)
+            return spare.code;
+    Spare& spare = spares_[nextSpare_++ % spares_.size()];
+    KeySym syms[2] = {keysym, keysym}; // the same character with or without Shift
+    XChangeKeyboardMapping(display, spare.code, 2, syms, 1);
+    XSync(display, False);
+    spare.keysym = keysym;
+    return spare.code;
+}
+
+void X11Keyboard::UnbindSpares() {
+    KeySym none[2] = {NoSymbol, NoSymbol};
+    for (const Spare& spare : spares_)
+        if (spare.keysym != NoSymbol)
+            XChangeKeyboardMapping(display_, spare.code, 2, none, 1);
+    XSync(display_, False);
+    spares_.clear();
+}
+
 void X11Keyboard::KeyEvent(std::uint8_t vk, std::uint8_t /*scan*/, std::uint32_t flags) {
     Display* display = Connection();
-    const KeySym keysym = KeysymFor(vk);
-    if (keysym == NoSymbol)
-        return;
-    const KeyCode keycode = XKeysymToKeycode(display, keysym);
+    KeyCode keycode = 0;
+    if (vk == kPacketKey) {
+        const KeySym keysym = KeysymForChar(FromAnsi(packetChar_));
+        if (keysym == NoSymbol)
+            return;
+        if (!(flags & KEYEVENTF_KEYUP))
+            packetCode_ = BindSpare(display, keysym);
+        keycode = packetCode_;
+    } else {
+        const KeySym keysym = KeysymFor(vk);
+        if (keysym == NoSymbol)
+            return;
+        keycode = XKeysymToKeycode(display, keysym);
+    }
     if (keycode == 0)
         return;
     const Bool down = (flags & KEYEVENTF_KEYUP) ? False : True;
@@ -83,7 +143,11 @@ void X11Keyboard::KeyEvent(std::uint8_t vk, std::uint8_t /*scan*/, std::uint32_t
 }
 
 std::int16_t X11Keyboard::VkKeyScan(std::uint8_t ch) {
-    return UsLayout::VkKeyScan(ch);
+    const std::int16_t key = UsLayout::VkKeyScan(ch);
+    if (key != -1 || KeysymForChar(FromAnsi(ch)) == NoSymbol)
+        return key;
+    packetChar_ = ch;
+    return kPacketKey;
 }
 
 std::uint8_t X11Keyboard::CharToOem(std::uint8_t ch) {
@@ -124,6 +188,8 @@ Display* X11Keyboard::Connection() {
 }
 
 void X11Keyboard::CloseOwnDisplay() {
+    if (display_ && !spares_.empty() && !lost_)
+        UnbindSpares();
     if (ownsDisplay_ && display_) {
         XCloseDisplay(display_);
         ForgetConnection(display_);

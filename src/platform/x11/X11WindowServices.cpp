@@ -3,10 +3,10 @@
 #include "platform/x11/XConnectionLoss.h"
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QList>
 
-#include <chrono>
 #include <cstdio>
-#include <thread>
 
 #include <unistd.h>
 
@@ -30,14 +30,16 @@ const char* const kAtomNames[] = {
     "_NET_CLOSE_WINDOW",
     "_NET_ACTIVE_WINDOW",
     "_NET_SUPPORTING_WM_CHECK",
+    "_NET_WM_DESKTOP",
+    "_NET_CURRENT_DESKTOP",
 };
 
 // Tells the window manager the request comes from a pager-like tool acting for the
 // user, so it is obeyed rather than treated as focus stealing.
 constexpr long kSourceIndicationPager = 2;
 
-constexpr auto kFocusWait = std::chrono::milliseconds(100);
-constexpr auto kFocusPoll = std::chrono::milliseconds(5);
+// A window shown on every desktop.
+constexpr unsigned long kAllDesktops = 0xFFFFFFFF;
 
 // Windows vanish between any two requests; an error about one must not end the program.
 // While a trap is alive protocol errors are swallowed; the failing call reports
@@ -62,6 +64,24 @@ private:
     Display* display_;
     XErrorHandler previous_;
 };
+
+// The parent and the session of a process, from /proc; false when it is gone.
+bool ReadProcess(long pid, long& parent, long& session) {
+    QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray stat = file.readAll();
+    // "pid (name) state ppid pgrp session ..."; the name may hold blanks and parentheses.
+    const qsizetype close = stat.lastIndexOf(')');
+    if (close < 0)
+        return false;
+    const QList<QByteArray> fields = stat.mid(close + 2).split(' ');
+    if (fields.size() < 4)
+        return false;
+    parent = fields[1].toLong();
+    session = fields[3].toLong();
+    return true;
+}
 
 QByteArray HostName() {
     char name[256] = {};
@@ -245,16 +265,44 @@ WindowHandle X11WindowServices::GetWindow(WindowHandle window, WindowRelation re
     return 0;
 }
 
-bool X11WindowServices::IsOwnProcess(unsigned long window) {
+long X11WindowServices::ProcessOf(unsigned long window) {
     const QByteArray pid = ReadProperty(window, atoms_[NetWmPid], XA_CARDINAL, 32);
-    if (pid.size() < qsizetype(sizeof(long)) ||
-        *reinterpret_cast<const long*>(pid.constData()) != long(getpid()))
-        return false;
+    if (pid.size() < qsizetype(sizeof(long)))
+        return 0;
     // The same process id on another machine is another process.
     QByteArray machine = ReadProperty(window, atoms_[WmClientMachine], AnyPropertyType, 8);
     while (machine.endsWith('\0'))
         machine.chop(1);
-    return machine.isEmpty() || machine == hostName_;
+    if (!machine.isEmpty() && machine != hostName_)
+        return 0;
+    return *reinterpret_cast<const long*>(pid.constData());
+}
+
+bool X11WindowServices::IsOwnProcess(unsigned long window) {
+    return ProcessOf(window) == long(getpid());
+}
+
+// The launched program may have started the process that shows the window (wine does);
+// a process that left its parent still keeps the program's session.
+bool X11WindowServices::InProcessTree(WindowHandle window, std::int64_t process) {
+    if (!IsConnected() || window == 0 || process <= 0)
+        return false;
+    long pid = 0;
+    {
+        ErrorTrap trap(display_);
+        pid = ProcessOf(window);
+    }
+    for (int depth = 0; pid > 1 && depth < 64; ++depth) {
+        if (pid == process)
+            return true;
+        long parent = 0, session = 0;
+        if (!ReadProcess(pid, parent, session))
+            return false;
+        if (session == process)
+            return true;
+        pid = parent;
+    }
+    return false;
 }
 
 unsigned long X11WindowServices::TransientFor(unsigned long window) {
@@ -366,7 +414,10 @@ void X11WindowServices::ProcessPendingEvents() {
         QCoreApplication::processEvents();
 }
 
-bool X11WindowServices::HasFocus(unsigned long window) {
+bool X11WindowServices::HasFocus(WindowHandle window) {
+    if (!IsConnected() || window == 0)
+        return false;
+    ErrorTrap trap(display_);
     Window focus = None;
     int revert = 0;
     XGetInputFocus(display_, &focus, &revert);
@@ -388,40 +439,25 @@ bool X11WindowServices::HasFocus(unsigned long window) {
     return false;
 }
 
-ActivateResult X11WindowServices::ActivateByTitle(const QString& title) {
-    if (!display_)
-        return ActivateResult::NoDisplay;
-    WindowHandle target = 0;
-    for (WindowHandle client : ClientWindows()) {
-        const QString text = GetWindowText(client);
-        if (!text.isEmpty() && text.contains(title, Qt::CaseInsensitive)) {
-            target = client;
-            break;
-        }
-    }
-    if (!target)
-        return ActivateResult::NotFound;
-    return Activate(target);
-}
-
-ActivateResult X11WindowServices::Activate(WindowHandle target) {
-    if (!IsConnected())
-        return ActivateResult::NotFound;
+// A window on another desktop is brought to the operator's, as a pager would, rather
+// than switching the operator away from what they look at.
+void X11WindowServices::ActivateWindow(WindowHandle window) {
+    if (!IsConnected() || window == 0)
+        return;
     ErrorTrap trap(display_);
     if (HasWindowManager()) {
-        SendToRoot(target, NetActiveWindow, kSourceIndicationPager, CurrentTime);
+        const QByteArray current = ReadProperty(root_, atoms_[NetCurrentDesktop], XA_CARDINAL, 32);
+        const QByteArray own = ReadProperty(window, atoms_[NetWmDesktop], XA_CARDINAL, 32);
+        if (current.size() >= qsizetype(sizeof(long)) && own.size() >= qsizetype(sizeof(long))) {
+            const auto here = *reinterpret_cast<const unsigned long*>(current.constData());
+            const auto there = *reinterpret_cast<const unsigned long*>(own.constData());
+            if (there != kAllDesktops && there != here)
+                SendToRoot(window, NetWmDesktop, long(here), kSourceIndicationPager);
+        }
+        SendToRoot(window, NetActiveWindow, kSourceIndicationPager, CurrentTime);
     } else {
-        XRaiseWindow(display_, target);
-        XSetInputFocus(display_, target, RevertToParent, CurrentTime);
+        XRaiseWindow(display_, window);
+        XSetInputFocus(display_, window, RevertToParent, CurrentTime);
     }
     XSync(display_, False);
-    const auto deadline = std::chrono::steady_clock::now() + kFocusWait;
-    while (!HasFocus(target)) {
-        // The window manager acts on its own time; give it a moment, no more.
-        if (lost_ || std::chrono::steady_clock::now() >= deadline)
-            return ActivateResult::NotFocused;
-        std::this_thread::sleep_for(kFocusPoll);
-        XSync(display_, False);
-    }
-    return ActivateResult::Activated;
 }

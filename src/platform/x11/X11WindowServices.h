@@ -23,7 +23,7 @@ public:
     X11WindowServices& operator=(const X11WindowServices&) = delete;
 
     // False when the display could not be opened or the connection was lost; every
-    // operation then reports no windows, and activation NoDisplay when it never opened.
+    // operation then reports no windows.
     bool IsConnected() const { return display_ != nullptr && !lost_; }
     // The X id of the program's main window (QWidget::winId() under xcb).
     void SetMainWindow(WindowHandle window) override { mainWindow_ = window; }
@@ -35,9 +35,10 @@ public:
     void PostMessage(WindowHandle window, std::uint32_t message) override;
     WindowHandle MainWindow() override { return mainWindow_; }
     void ProcessPendingEvents() override;
-    ActivateResult ActivateByTitle(const QString& title) override;
-    // Brings `window` to the front with the input focus, as a pager would ask for it.
-    ActivateResult Activate(WindowHandle window);
+    bool InProcessTree(WindowHandle window, std::int64_t process) override;
+    void ActivateWindow(WindowHandle window) override;
+    bool HasFocus(WindowHandle window) override;
+    bool HasDisplay() override { return display_ != nullptr; }
 
     // Client windows in stacking order, top first.
     std::vector<WindowHandle> ClientWindows();
@@ -57,6 +58,8 @@ private:
         NetCloseWindow,
         NetActiveWindow,
         NetSupportingWmCheck,
+        NetWmDesktop,
+        NetCurrentDesktop,
         AtomCount
     };
 
@@ -70,7 +73,8 @@ private:
     bool IsOwnProcess(unsigned long window);
     unsigned long TransientFor(unsigned long window);
     bool HasWindowManager();
-    bool HasFocus(unsigned long window);
+    // The process id a window names as its own (on this machine); 0 when none.
+    long ProcessOf(unsigned long window);
     void SendToRoot(unsigned long window, Atom_ type, long l0, long l1);
 
     Display* display_ = nullptr;

@@ -13,18 +13,20 @@ QStringList MapList(const Hostwarden& w) {
     return maps;
 }
 
+QString ShownOptionsText(const Hostwarden& w) {
+    // The raw text keeps no-break spaces and tells paragraph from line breaks.
+    return w.ui->TXTSTat->document()->toRawText();
+}
+
 QString OptionsText(const Hostwarden& w) {
-    // The text box keeps its lines apart with LF only; the file has CR LF.
-    QString text = w.ui->TXTSTat->toPlainText();
-    text.replace(QLatin1String("\n"), QLatin1String("\r\n"));
-    return text;
+    return w.optionsText.Text();
 }
 
 void BuildOptionsText(Hostwarden& w) {
-    QString text = ComposeOptionsText(w.app, MapList(w));
-    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    const QString text = ComposeOptionsText(w.app, MapList(w));
     w.ui->TXTSTat->clear();
-    w.ui->TXTSTat->insertPlainText(text);
+    w.ui->TXTSTat->insertPlainText(OptionsTextModel::ToDisplay(text));
+    w.optionsText.Built(text);
     // The operator reads the file from its first line.
     w.ui->TXTSTat->moveCursor(QTextCursor::Start);
 }

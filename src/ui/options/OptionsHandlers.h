@@ -13,6 +13,8 @@ bool Write_File(Hostwarden& w);
 // Sets the map-count label MCS to the number of LSTMaps entries + " Maps".
 void UpdateMapCount(Hostwarden& w);
 
-// The text of TXTSTat with CR LF line ends, as it goes into the file.
+// The options text as it goes into the file: as built, or as the operator edited it.
 QString OptionsText(const Hostwarden& w);
+// What TXTSTat shows, line breaks and no-break spaces included.
+QString ShownOptionsText(const Hostwarden& w);
 QStringList MapList(const Hostwarden& w);

@@ -99,6 +99,7 @@ void TXTRconPass_Change(Hostwarden& w) {
     Text(w, w.ui->TXTRconPass, &AppState::rconpass);
 }
 void TXTSTat_Change(Hostwarden& w) {
+    w.optionsText.Edited(ShownOptionsText(w));
     MarkChanged(w);
 }
 void TXTMess_Change(Hostwarden& w) {

@@ -85,14 +85,12 @@ void LoadConfig(Hostwarden& w) {
     SelectSwitch(ui.WeaponStay, Get(w, "weaponstay"), ConfigDefaults::weaponstay);
     SelectSwitch(ui.FallDamage, Get(w, "falldamage"), ConfigDefaults::falldamage);
 
-    // A hand-edited count beyond the stored entries stops at the first missing map.
-    const int mapcount = ReadNumber(Get(w, "mapcount")).value_or(0);
-    for (int i = 0; i < mapcount; ++i) {
-        const QString map = Get(w, "map" + QString::number(i));
-        if (map.isEmpty())
-            break;
-        ui.LSTMaps->addItem(map);
-    }
+    // A missing map key loads as an empty entry; a count beyond the last stored key
+    // stops there.
+    const int mapcount = StoredCount(w.services.store, w.app.AppName, w.app.CurrentConf,
+                                     QStringLiteral("mapcount"), QStringLiteral("map"), 0);
+    for (int i = 0; i < mapcount; ++i)
+        ui.LSTMaps->addItem(Get(w, "map" + QString::number(i)));
     // Show the loaded texts from their start, not scrolled to their end.
     for (QLineEdit* box : {ui.TXTServName, ui.TXTConfName, ui.TXTPassword, ui.TXTRconPass})
         box->setCursorPosition(0);
