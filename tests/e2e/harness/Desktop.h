@@ -139,7 +139,13 @@ public:
     // The desktop session this process runs in, as programs started there see it: under
     // scripts/wayland-session.sh, a Wayland desktop with or without an X display.
     struct Session {};
-    explicit Desktop(Session) : display_(qEnvironmentVariable("DISPLAY")), platform_() {}
+    // The Wayland socket is named by its full path: the programs get a runtime folder of
+    // their own.
+    explicit Desktop(Session) : display_(qEnvironmentVariable("DISPLAY")), platform_() {
+        if (const QString socket = qEnvironmentVariable("WAYLAND_DISPLAY"); !socket.isEmpty())
+            platform_ << "WAYLAND_DISPLAY=" + QDir(qEnvironmentVariable("XDG_RUNTIME_DIR"))
+                                                  .absoluteFilePath(socket);
+    }
 
     const QString& Display() const { return display_; }
     QStringList Environment() const { return QStringList{"DISPLAY=" + display_} + platform_; }
