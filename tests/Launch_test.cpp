@@ -2,6 +2,7 @@
 #include "Texts.h"
 
 #include "ui/server/LaunchHandlers.h"
+#include "ui/server/WatchHandlers.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -146,6 +147,89 @@ TEST(Launch, FailuresAreReported) {
         EXPECT_EQ(
             box, ErrorBox("RedFaction Dedicated Server Filed to Launch", row.title, MsgIcon::None));
     }
+}
+
+// The server the launch started, by its program or by the whole line, is watched with the
+// messages off: its failed start is told at once, and a console that never shows after 30 s.
+TEST(Launch, TheStartedServerIsWatchedWithTheMessagesOff) {
+    QTemporaryDir dir;
+    for (const bool wholeLine : {false, true}) {
+        SCOPED_TRACE(wholeLine);
+        Launch m(dir.path() + "/");
+        m.ui().CHKMessage->setChecked(false);
+        if (wholeLine)
+            m.t.launcher.shellResults = {2};
+        CMDLaunch_Click(*m.w);
+        ASSERT_EQ(m.timer("ConsoleWatch")->interval(), 30000);
+        ASSERT_TRUE(m.timer("ConsoleWatch")->isActive());
+        ConsoleWatch_Timer(*m.w);
+        ASSERT_EQ(m.t.messages.shown.size(), 1);
+        EXPECT_EQ(m.t.messages.shown[0].title, "Dedicated Server Error");
+        EXPECT_TRUE(m.t.messages.shown[0].text.contains("30 seconds after its start it still "
+                                                        "shows no window"));
+        m.t.windows.Add("Wine: " + texts::kServerTitle.toUpper());
+        ConsoleWatch_Timer(*m.w);
+        EXPECT_EQ(m.t.messages.shown.size(), 1) << "the console is there";
+
+        m.t.launcher.End(3, "cannot start");
+        ASSERT_EQ(m.t.messages.shown.size(), 2);
+        EXPECT_EQ(m.t.messages.shown[1].title, "Dedicated Server Error");
+        EXPECT_TRUE(m.t.messages.shown[1].text.contains("Exit status: 3\r\nThe last lines of its "
+                                                        "error output:\r\ncannot start"));
+        EXPECT_EQ(m.w->Automation().ServerHandle(), 0u);
+        m.t.windows.windows.clear();
+        m.t.launcher.End(3);
+        ConsoleWatch_Timer(*m.w);
+        EXPECT_EQ(m.t.messages.shown.size(), 2) << "a server ended is watched no more";
+    }
+}
+
+// Before its first write into a game directory the launch keeps the operator's own options
+// file as dedicated_server.txt.bak; an existing backup, and a file of its own, stay as they are.
+TEST(Launch, KeepsTheOperatorsOwnOptionsFileOnce) {
+    QTemporaryDir config, dir;
+    const QByteArray savedConfig = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(config.path()));
+    const auto put = [](const QString& path, const QByteArray& bytes) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    };
+    const auto read = [](const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
+    };
+    const struct {
+        const char* what;
+        const char* game; // folder below dir
+        QByteArray own, backup, backupAfter;
+    } rows[] = {
+        {"own file kept", "a", "$Name: \"mine\"", "(none)", "$Name: \"mine\""},
+        {"next launch: Hostwarden's file, no backup", "a", {}, "(none)", "(none)"},
+        {"backup there already", "b", "$Name: \"mine\"", "older", "older"},
+        {"no file to keep", "c", {}, "(none)", "(none)"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const QString game = dir.filePath(row.game) + "/";
+        const QString options = game + "dedicated_server.txt";
+        QDir().mkpath(game);
+        QFile::remove(options + ".bak");
+        if (!row.own.isEmpty())
+            put(options, row.own);
+        if (row.backup != "(none)")
+            put(options + ".bak", row.backup);
+        Launch m(game);
+        CMDLaunch_Click(*m.w);
+        EXPECT_TRUE(read(options).startsWith("#Dedicated Server Options"));
+        EXPECT_EQ(read(options + ".bak"), row.backupAfter);
+    }
+    EXPECT_EQ(QDir(config.path() + "/Hostwarden")
+                  .entryList(QDir::Files | QDir::NoDotAndDotDot, QDir::Name),
+              QStringList({"options-written"}));
+    if (savedConfig.isEmpty())
+        qunsetenv("XDG_CONFIG_HOME");
+    else
+        qputenv("XDG_CONFIG_HOME", savedConfig);
 }
 
 TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {

@@ -2,6 +2,7 @@
 
 #include "platform/posix/NoCasePath.h"
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QDirIterator>
@@ -63,6 +64,19 @@ protected:
         QFile::remove(recordPath);
         return QString::fromUtf8(file.readAll()).chopped(1).split('\n');
     }
+    // The event loop runs until the launcher reports the last started program's end.
+    std::optional<ProgramExit> WaitForExit() {
+        const std::int64_t process = launcher.StartedProcess();
+        std::optional<ProgramExit> exit;
+        launcher.OnProgramExit([&](const ProgramExit& e) {
+            if (e.process == process)
+                exit = e;
+        });
+        QDeadlineTimer deadline(10000);
+        while (process && !exit && !deadline.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+        return exit;
+    }
 
     QTemporaryDir temp;
     const QString root = QFileInfo(temp.path()).canonicalFilePath();
@@ -71,7 +85,7 @@ protected:
     PosixProcessLauncher launcher;
 };
 
-TEST_F(PosixProcessLauncherTest, StartsTheProgramDetachedWithItsArgumentsInItsFolder) {
+TEST_F(PosixProcessLauncherTest, StartsTheProgramInASessionOfItsOwnWithItsArgumentsInItsFolder) {
     const QString shellDir = "@/g;touch injected&&$(touch injected)|`touch injected`>injected x";
     const QString shellName = "a;touch @/injected $(touch @/injected) `touch @/injected` && "
                               "touch @/injected | cat > @/injected";
@@ -127,9 +141,11 @@ TEST_F(PosixProcessLauncherTest, StartsTheProgramDetachedWithItsArgumentsInItsFo
             row.pwd.isEmpty() ? QFileInfo(QDir::currentPath()).canonicalFilePath() : At(row.pwd);
         EXPECT_EQ(QStringList({record->value(Pwd), record->value(Stdin)}) + record->mid(Argv),
                   QStringList({pwd, "/dev/null"}) + At(row.argv).split('\n'));
-        EXPECT_NE(record->value(Ppid), QString::number(getpid()));
         EXPECT_NE(record->value(Sid), QString::number(getsid(0)));
-        errno = 0; // nothing of ours is left to reap: no zombie, no child at all
+        const auto exit = WaitForExit();
+        ASSERT_TRUE(exit);
+        EXPECT_EQ(record->value(Ppid), QString::number(getpid())) << "ours to watch";
+        errno = 0; // reaped once ended: no zombie, no child at all
         EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
         EXPECT_EQ(errno, ECHILD);
     }
@@ -163,6 +179,41 @@ TEST_F(PosixProcessLauncherTest, FailureGivesASmallErrorCodeAndRunsNothing) {
     EXPECT_EQ(launcher.ShellExecute(game, "", root + "/Game", 1), 31)
         << "no wine for a Windows program";
     EXPECT_FALSE(QFile::exists(recordPath));
+    EXPECT_EQ(launcher.StartedProcess(), 0);
+}
+
+// A started program's end comes through the event loop with its status and the last lines
+// of its error output; a 32-bit Windows program run through wine is marked as such.
+TEST_F(PosixProcessLauncherTest, ReportsTheEndWithStatusAndTheLastLinesOfErrorOutput) {
+    QByteArray pe32(64, '\0');
+    pe32[0] = 'M', pe32[1] = 'Z', pe32[0x3C] = 64;
+    const QString exe = Make("Win/RF.EXE", pe32 + QByteArray("PE\0\0\x4c\x01", 6), false);
+    Make("bin/wine", "#!/bin/sh\necho \"it looks like wine32 is missing\" >&2\nexit 1\n", true);
+    qputenv("PATH", QFile::encodeName(root + "/bin") + ":" + savedPath);
+    const QString noisy = Make("noisy",
+                               "#!/bin/sh\nhead -c 9000 /dev/zero >&2\nfor i in $(seq 20); "
+                               "do echo \"line $i\" >&2; done\nexit 3\n",
+                               true);
+    const struct {
+        QString program;
+        int status;
+        bool signalled, windows32;
+        QString tail;
+    } rows[] = {
+        {noisy, 3, false, false,
+         "line 13\nline 14\nline 15\nline 16\nline 17\nline 18\nline 19\nline 20"},
+        {Make("killed", "#!/bin/sh\nkill -9 $$\n", true), 9, true, false, ""},
+        {exe, 1, false, true, "it looks like wine32 is missing"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.program.toStdString());
+        ASSERT_EQ(launcher.ShellExecute(row.program, "-dedicated x", root, 1), 42);
+        const auto exit = WaitForExit();
+        ASSERT_TRUE(exit);
+        EXPECT_EQ(std::tuple(exit->program, exit->status, exit->signalled, exit->windows32),
+                  std::tuple(row.program, row.status, row.signalled, row.windows32));
+        EXPECT_EQ(exit->errorTail, row.tail);
+    }
 }
 
 } // namespace

@@ -3,13 +3,16 @@
 #include "automation/AutoMessageHost.h"
 #include "automation/KeySender.h"
 #include "automation/Module2.h"
+#include "automation/WatchMessages.h"
 #include "platform/Beeper.h"
 #include "platform/MessageBoxes.h"
+#include "platform/ProcessLauncher.h"
 #include "platform/RandomSource.h"
 #include "platform/WindowServices.h"
 #include "server/AppState.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 
 namespace {
@@ -29,7 +32,9 @@ AutoMessages::AutoMessages(AutoMessageHost& host, const AppState& state, WindowS
                            KeySender& keys, RandomSource& random, Beeper& beeper,
                            MessageBoxes& messages)
     : host_(host), state_(state), windows_(windows), keys_(keys), random_(random), beeper_(beeper),
-      messages_(messages) {}
+      messages_(messages) {
+    SetClock({});
+}
 
 void AutoMessages::QueueMessage(const QString& text) {
     if (text.isEmpty())
@@ -144,6 +149,18 @@ void AutoMessages::DropPendingLine() {
 }
 
 void AutoMessages::RecoverServer() {
+    Recover(nullptr);
+}
+
+void AutoMessages::ServerExited(const ProgramExit& exit) {
+    if (ServerHandle_ == 0 || watched_ == 0 || exit.process != watched_)
+        return; // not the server this program launched last
+    Recover(&exit);
+}
+
+void AutoMessages::Recover(const ProgramExit* exit) {
+    const bool failedStart =
+        exit && !exit->signalled && exit->status != 0 && now_() - launchedAtMs_ < kFailedStartMs;
     SendPos_ = 0;
     SetTMRAddsEnabled(false);
     SetTMRSendEnabled(false);
@@ -151,10 +168,19 @@ void AutoMessages::RecoverServer() {
     LSTBuff_.clear();
     ServerHandle_ = 0;
     focusWaitMs_ = 0;
+    watched_ = 0;
 
     if (host_.ServRecChecked()) {
+        if (!guard_.Allow(now_())) {
+            messages_.Show(RecoveryStoppedMessage(guard_.Count(), exit, failedStart));
+            return;
+        }
+        relaunching_ = true;
         host_.Launch();
+        relaunching_ = false;
         beeper_.Beep();
+    } else if (failedStart) {
+        messages_.Show(FailedStartMessage(*exit));
     } else {
         messages_.Show({"Red Faction Dedicated Server Cannot be found or is not responding. "
                         "Please varify the server is running and try again",
@@ -164,12 +190,27 @@ void AutoMessages::RecoverServer() {
 
 void AutoMessages::ForgetServer() {
     ServerHandle_ = 0;
+    watched_ = 0;
+    if (!relaunching_)
+        guard_.Reset();
 }
 
 void AutoMessages::ServerLaunched(std::uint32_t handle) {
     ServerHandle_ = handle;
     if (handle != 0)
         SetTMRAddsEnabled(true);
+}
+
+void AutoMessages::SetClock(std::function<std::int64_t()> nowMs) {
+    now_ = nowMs ? std::move(nowMs) : [] {
+        using namespace std::chrono;
+        return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+    };
+}
+
+void AutoMessages::WatchServer(std::int64_t process) {
+    watched_ = ServerHandle_ != 0 ? process : 0;
+    launchedAtMs_ = now_();
 }
 
 void AutoMessages::SetTMRAddsEnabled(bool enabled) {

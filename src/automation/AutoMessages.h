@@ -1,9 +1,12 @@
 #pragma once
 
+#include "automation/RecoveryGuard.h"
+
 #include <QString>
 #include <QStringList>
 
 #include <cstdint>
+#include <functional>
 
 class AutoMessageHost;
 class Beeper;
@@ -12,6 +15,7 @@ class MessageBoxes;
 class RandomSource;
 class WindowServices;
 struct AppState;
+struct ProgramExit;
 
 // The automatic chat messages and the recovery of a lost server: the countdown
 // (TMRAdds), the dispatcher (Timer1) and the typist (TMRSend), driven by tick calls.
@@ -45,10 +49,24 @@ public:
     // ("Server Recover" checked) or tells the operator.
     void RecoverServer();
 
-    // A launch begins: no server is known until it reports one.
+    // A launch begins: no server is known until it reports one. A launch that is not
+    // recovery's own starts the count of automatic relaunches afresh.
     void ForgetServer();
     // The launch started a server (non-zero handle): its countdown starts.
     void ServerLaunched(std::uint32_t handle);
+
+    // A server that ends with a failure status this soon after its launch failed to start.
+    static constexpr std::int64_t kFailedStartMs = 5000;
+
+    // The clock of the watch, in milliseconds; a steady clock unless set.
+    void SetClock(std::function<std::int64_t()> nowMs);
+    // The launch started `process` as the server; its end is watched from now on.
+    void WatchServer(std::int64_t process);
+    // A started program has ended. When it is the launched server, the recovery step runs
+    // at once, whatever the state of the messages.
+    void ServerExited(const ProgramExit& exit);
+    // The server process being watched; 0 when none.
+    std::int64_t WatchedServer() const { return watched_; }
 
     bool TMRAddsEnabled() const { return addsEnabled_; }
     bool TMRSendEnabled() const { return sendEnabled_; }
@@ -70,6 +88,8 @@ private:
     // Activates the console and types character number SendPos of PendingLine.
     void TypeCurrentCharacter();
     void DropPendingLine();
+    // The recovery step; `exit` tells how the server ended when it did.
+    void Recover(const ProgramExit* exit);
 
     AutoMessageHost& host_;
     const AppState& state_;
@@ -88,4 +108,10 @@ private:
     bool sendEnabled_ = false;
     // Time the current line has waited for the console's focus, in milliseconds.
     int focusWaitMs_ = 0;
+
+    std::function<std::int64_t()> now_;
+    std::int64_t watched_ = 0;
+    std::int64_t launchedAtMs_ = 0;
+    bool relaunching_ = false;
+    RecoveryGuard guard_;
 };

@@ -6,12 +6,14 @@
 #include <QFile>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace {
 
 constexpr const char* kUsage =
     "Usage: RF.EXE -dedicated <configuration> [-lanonly] [-port <port>] [-mod <mod>]\n"
+    "       RF.EXE --exit <status>   fail at start: say so on stderr and exit with <status>\n"
     "\n"
     "Stands in for the Red Faction dedicated server. It opens a console window titled\n"
     "\"Red Faction Dedicated Server\" whose input line takes typed commands; Enter\n"
@@ -22,7 +24,10 @@ constexpr const char* kUsage =
     "  reads  dedicated_server.txt and shows what it understood\n"
     "  appends transcript.txt   every submitted console line\n"
     "  writes keys.log          \"<ms since start> <character code>\" per typed character\n"
-    "  appends events.txt       \"started pid N\" and \"closed pid N\"\n";
+    "  appends events.txt       \"started pid N\" and \"closed pid N\"\n"
+    "\n"
+    "Console commands for trying a watch over the server: \"crash\" ends it at once with\n"
+    "SIGABRT; \"hang\" stops it answering (its window stays, nothing it gets is handled).\n";
 
 void RecordCommandLine(int argc, char** argv) {
     QFile file(QStringLiteral("commandline.txt"));
@@ -43,6 +48,11 @@ int main(int argc, char** argv) {
         if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
             std::fputs(kUsage, stdout);
             return 0;
+        }
+        if (std::strcmp(argv[i], "--exit") == 0 && i + 1 < argc) {
+            const int status = std::atoi(argv[i + 1]);
+            std::fprintf(stderr, "cannot start: asked to exit with status %d\n", status);
+            return status;
         }
     }
     // Before QApplication, which takes away the arguments it knows.

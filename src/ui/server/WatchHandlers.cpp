@@ -1,0 +1,14 @@
+#include "ui/server/WatchHandlers.h"
+
+#include "automation/AutoMessages.h"
+#include "automation/ConsoleWatch.h"
+#include "automation/WatchMessages.h"
+#include "platform/Services.h"
+#include "ui/Hostwarden.h"
+
+void ConsoleWatch_Timer(Hostwarden& w) {
+    if (w.Automation().WatchedServer() == 0 || ServerWindowShown(w.services.windows))
+        return;
+    w.services.messages.Show(
+        ConsoleMissingMessage(w.app.GameDir + w.app.ServerExe, kConsoleWatchSeconds));
+}
