@@ -263,103 +263,57 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow)
     }
 }
 
-// The launched server's end runs the recovery step at once, with the messages on or off. A
-// failure status within 5 s of the launch is a failed start, told with its details; the end
-// of any other process is none of the watch's business.
+// The launched server's end runs the recovery step at once, messages on or off. A failure
+// status within 5 s of the launch is a failed start, told with its details; a signal never is.
 TEST_F(AutoMessagesTest, TheServersEndRecoversAtOnceAndAFailedStartIsToldWithItsDetails) {
-    const struct {
-        const char* what;
-        bool messages, recover;
-        std::int64_t afterMs;
-        int status;
-        bool signalled;
-        const char* title; // of the box shown, if any
-        int launches = 0;
-        std::int64_t process = 500;
-    } rows[] = {
-        {"killed, messages off", false, false, 60000, 9, true, "Server Error"},
-        {"ended cleanly at once", true, false, 1000, 0, false, "Server Error"},
-        {"failed at once", false, false, 4999, 3, false, "Dedicated Server Error"},
-        {"failed after 5 s", true, false, 5000, 3, false, "Server Error"},
-        {"crashed at once", true, false, 100, 6, true, "Server Error"},
-        {"recovery on", true, true, 60000, 9, true, nullptr, 1},
-        {"recovery on, failed at once", true, true, 10, 3, false, nullptr, 1},
-        {"another process", false, false, 100, 3, false, nullptr, 0, 499},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
+    const std::tuple<const char*, bool, std::int64_t, int, bool, const char*> rows[] = {
+        {"killed, messages off", false, 60000, 9, true, "Server Error"},
+        {"ended cleanly at once", true, 1000, 0, false, "Server Error"},
+        {"crashed at once", true, 100, 6, true, "Server Error"},
+        {"failed after 5 s", true, 5000, 3, false, "Server Error"},
+        {"failed at once", false, 4999, 3, false, "Dedicated Server Error"}};
+    for (const auto& [what, messages, afterMs, status, signalled, title] : rows) {
+        SCOPED_TRACE(what);
         Rig t;
         t.QueueBatch({"queued"});
-        t.messageChecked = row.messages;
-        t.servRecChecked = row.recover;
-        t.nowMs = row.afterMs;
-        t.am.ServerExited({row.process, "/games/rf/RF.EXE", row.status, row.signalled,
-                           "wine: starting\ncannot start", false});
-        ASSERT_EQ(t.boxes.shown.size(), row.title ? 1 : 0);
-        EXPECT_EQ(std::pair(t.launches, t.beeper.beeps), std::pair(row.launches, row.launches));
-        const bool recovered = row.title || row.launches;
-        EXPECT_EQ(t.am.Queue().isEmpty(), recovered);
-        EXPECT_EQ(t.am.ServerHandle(), recovered ? 0u : 42u);
-        if (!row.title)
-            continue;
-        EXPECT_FALSE(t.addsTimer);
-        const MessageRequest& box = t.boxes.shown[0];
-        if (box.title == "Server Error") {
-            EXPECT_EQ(box, kServerError);
-            continue;
-        }
-        EXPECT_EQ(box.text, "The dedicated server stopped right after it started.\r\n\r\nProgram: "
-                            "/games/rf/RF.EXE\r\nExit status: 3\r\nThe last lines of its error "
-                            "output:\r\nwine: starting\r\ncannot start");
+        t.messageChecked = messages;
+        t.nowMs = afterMs;
+        t.am.ServerExited({t.process - 1, "RF.EXE", 3, false, {}, false}); // not the server
+        EXPECT_TRUE(t.boxes.shown.isEmpty() && t.am.ServerHandle() == 42);
+        t.am.ServerExited({t.process, "/rf/RF.EXE", status, signalled, "wine: go\nno way", false});
+        ASSERT_EQ(t.boxes.shown.size(), 1);
+        EXPECT_TRUE(t.am.Queue().isEmpty() && !t.addsTimer && t.am.ServerHandle() == 0);
+        EXPECT_EQ(t.boxes.shown[0].title, title);
+        if (t.boxes.shown[0].title == "Dedicated Server Error")
+            EXPECT_EQ(t.boxes.shown[0].text,
+                      "The dedicated server stopped right after it started.\r\n\r\nProgram: "
+                      "/rf/RF.EXE\r\nExit status: 3\r\nThe last lines of its error output:\r\n"
+                      "wine: go\r\nno way");
+        else
+            EXPECT_EQ(t.boxes.shown[0], kServerError);
     }
 }
 
-// Decision: a failed start of a 32-bit Windows program through wine says what to install.
-TEST_F(AutoMessagesTest, AFailedWindowsStartSaysWhatWineNeeds) {
-    am.ServerExited({process, "/games/rf/RF.EXE", 1, false, {}, true});
-    ASSERT_EQ(boxes.shown.size(), 1);
-    EXPECT_TRUE(boxes.shown[0].text.contains("It wrote nothing to its error output.\r\n\r\nRF.EXE "
-                                             "is a 32-bit Windows program"));
-    EXPECT_TRUE(boxes.shown[0].text.contains("apt-get install wine32"));
-}
-
-// At most 3 automatic relaunches within 10 minutes; the next loss stops recovery and says so
-// once. The operator's own launch, or ten quiet minutes, start the count afresh.
+// With "Server Recover": at most 3 relaunches within 10 minutes, then the loss is told once.
+// The operator's own launch starts the count afresh; relaunches 4 minutes apart never stop.
 TEST_F(AutoMessagesTest, RelaunchesStopAfterThreeInTenMinutesUntilTheOperatorLaunches) {
     servRecChecked = true;
-    onLaunch = [this] {
-        am.ServerLaunched(77);
-        am.WatchServer(++process);
+    onLaunch = [this] { am.ServerLaunched(77), am.WatchServer(++process); };
+    const auto lose = [this](int times, std::int64_t apartMs) {
+        for (int i = 0; i < times; ++i, nowMs += apartMs)
+            am.ServerExited({process, "RF.EXE", 3, false, "cannot start", false});
+        return std::pair(launches, int(boxes.shown.size()));
     };
-    const auto lose = [this](std::int64_t afterMs) {
-        nowMs += afterMs;
-        am.ServerExited({process, "RF.EXE", 3, false, "cannot start", false});
-    };
-    for (int i = 0; i < 4; ++i)
-        lose(1000);
-    EXPECT_EQ(launches, 3);
-    ASSERT_EQ(boxes.shown.size(), 1);
-    EXPECT_EQ(boxes.shown[0].title, "Server Recover");
+    EXPECT_EQ(lose(5, 1000), std::pair(3, 1));
     EXPECT_TRUE(boxes.shown[0].text.startsWith(
         "The dedicated server was lost again after 3 automatic relaunches within 10 minutes; its "
         "exit status was 3.\r\nServer Recover will not start it again until you press Launch."));
     EXPECT_TRUE(boxes.shown[0].text.endsWith("\r\ncannot start"));
-    lose(1000);
-    EXPECT_EQ(std::pair(launches, int(boxes.shown.size())), std::pair(3, 1)) << "told once";
-
-    am.ForgetServer(); // the operator's Launch
-    onLaunch();
-    for (int i = 0; i < 3; ++i)
-        lose(1000);
-    EXPECT_EQ(std::pair(launches, int(boxes.shown.size())), std::pair(6, 1));
-    lose(RecoveryGuard::kWindowMs - 3000);
-    EXPECT_EQ(std::pair(launches, int(boxes.shown.size())), std::pair(6, 2))
-        << "the first of the three is still within ten minutes";
-    am.ForgetServer();
-    onLaunch();
-    for (int i = 0; i < 6; ++i)
-        lose(4 * 60 * 1000);
-    EXPECT_EQ(std::pair(launches, int(boxes.shown.size())), std::pair(12, 2));
+    am.ForgetServer(), onLaunch(); // the operator's Launch
+    EXPECT_EQ(lose(3, RecoveryGuard::kWindowMs / 3 - 1), std::pair(6, 1));
+    EXPECT_EQ(lose(1, 0), std::pair(6, 2)) << "the first of the three is within ten minutes";
+    am.ForgetServer(), onLaunch();
+    EXPECT_EQ(lose(6, 4 * 60 * 1000), std::pair(12, 2));
 }
 
 } // namespace

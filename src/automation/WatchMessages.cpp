@@ -62,12 +62,16 @@ MessageRequest RecoveryStoppedMessage(int relaunches, const ProgramExit* last, b
             MsgDefault::First};
 }
 
-MessageRequest ConsoleMissingMessage(const QString& program, int seconds) {
-    return {QStringLiteral("The dedicated server is running, but %1 seconds after its start it "
-                           "still shows no window titled \"Red Faction Dedicated Server\", so "
-                           "no messages can be typed into it.")
-                    .arg(seconds) +
-                kEol + QStringLiteral("Program: ") + program,
-            QStringLiteral("Dedicated Server Error"), MsgButtons::OK, MsgIcon::Information,
-            MsgDefault::First};
+MessageRequest ConsoleMissingMessage(const QString& program, int seconds,
+                                     const QString& errorTail) {
+    QStringList lines{QStringLiteral("The dedicated server is running, but %1 seconds after its "
+                                     "start it still shows no window titled \"Red Faction "
+                                     "Dedicated Server\", so no messages can be typed into it.")
+                          .arg(seconds),
+                      QString(), QStringLiteral("Program: ") + program};
+    if (!errorTail.isEmpty())
+        lines << QStringLiteral("The last lines of its error output:")
+              << errorTail.split(QLatin1Char('\n'));
+    return {lines.join(kEol), QStringLiteral("Dedicated Server Error"), MsgButtons::OK,
+            MsgIcon::Information, MsgDefault::First};
 }

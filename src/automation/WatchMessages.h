@@ -12,5 +12,6 @@ MessageRequest FailedStartMessage(const ProgramExit& exit);
 // or null when it was lost without ending (its console stopped taking keys).
 MessageRequest RecoveryStoppedMessage(int relaunches, const ProgramExit* last, bool failedStart);
 
-// The server runs but has shown no console window since `seconds` after its start.
-MessageRequest ConsoleMissingMessage(const QString& program, int seconds);
+// The server runs but shows no console window `seconds` after its start; `errorTail` is
+// what it has written to its error output so far.
+MessageRequest ConsoleMissingMessage(const QString& program, int seconds, const QString& errorTail);

@@ -38,6 +38,12 @@ public:
     // the launcher cannot tell.
     virtual std::int64_t StartedProcess() { return 0; }
 
+    // The last lines a started program that still runs has written to its error output.
+    virtual QString ErrorOutput(std::int64_t process) {
+        (void)process;
+        return {};
+    }
+
     // `handler` hears, from the event loop, of every started program that ends.
     virtual void OnProgramExit(ExitHandler handler) { (void)handler; }
 };

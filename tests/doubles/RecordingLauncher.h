@@ -27,11 +27,11 @@ public:
     QString CurrentDirectory() override { return "C:\\Hostwarden"; }
     std::int64_t StartedProcess() override { return started; }
     void OnProgramExit(ExitHandler handler) override { onExit = std::move(handler); }
-
-    // The last started process ends with `status` and that error output.
-    void End(int status, const QString& errorTail = {}, bool signalled = false) {
-        onExit({started, "RF.EXE", status, signalled, errorTail, false});
+    QString ErrorOutput(std::int64_t process) override {
+        return QString("stderr of %1").arg(process);
     }
+    // The last started process ends with `status` and that error output.
+    void End(int status, const QString& tail = {}) { onExit({started, "RF.EXE", status, 0, tail}); }
 
     QList<Call> calls;
     QList<std::int32_t> shellResults, commandLineResults;

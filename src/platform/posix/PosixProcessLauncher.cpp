@@ -335,6 +335,15 @@ void PosixProcessLauncher::Ended(std::int64_t process) {
         onExit_(exit);
 }
 
+QString PosixProcessLauncher::ErrorOutput(std::int64_t process) {
+    const auto found = watches_.find(process);
+    if (found == watches_.end())
+        return {};
+    if (found->second->errorFd >= 0)
+        found->second->ReadOutput();
+    return found->second->tail.Lines();
+}
+
 std::int32_t PosixProcessLauncher::ShellExecute(const QString& program, const QString& parameters,
                                                 const QString& workingDirectory,
                                                 std::int32_t /*windowStyle*/) {

@@ -35,6 +35,7 @@ public:
     QString CurrentDirectory() override;
     std::int64_t StartedProcess() override { return lastStarted_; }
     void OnProgramExit(ExitHandler handler) override { onExit_ = std::move(handler); }
+    QString ErrorOutput(std::int64_t process) override;
 
     PosixProcessLauncher();
     ~PosixProcessLauncher() override;

@@ -3,12 +3,15 @@
 #include "automation/AutoMessages.h"
 #include "automation/ConsoleWatch.h"
 #include "automation/WatchMessages.h"
+#include "platform/ProcessLauncher.h"
 #include "platform/Services.h"
 #include "ui/Hostwarden.h"
 
 void ConsoleWatch_Timer(Hostwarden& w) {
-    if (w.Automation().WatchedServer() == 0 || ServerWindowShown(w.services.windows))
+    const std::int64_t server = w.Automation().WatchedServer();
+    if (server == 0 || ServerWindowShown(w.services.windows))
         return;
-    w.services.messages.Show(
-        ConsoleMissingMessage(w.app.GameDir + w.app.ServerExe, kConsoleWatchSeconds));
+    w.services.messages.Show(ConsoleMissingMessage(w.app.GameDir + w.app.ServerExe,
+                                                   kConsoleWatchSeconds,
+                                                   w.services.launcher.ErrorOutput(server)));
 }
