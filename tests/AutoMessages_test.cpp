@@ -263,8 +263,7 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsInARow)
     }
 }
 
-// The launched server's end runs the recovery step at once, messages on or off. A failure
-// status within 5 s of the launch is a failed start, told with its details; a signal never is.
+// The server's end recovers at once; a failure status within 5 s is a failed start.
 TEST_F(AutoMessagesTest, TheServersEndRecoversAtOnceAndAFailedStartIsToldWithItsDetails) {
     const std::tuple<const char*, bool, std::int64_t, int, bool, const char*> rows[] = {
         {"killed, messages off", false, 60000, 9, true, "Server Error"},
@@ -278,9 +277,9 @@ TEST_F(AutoMessagesTest, TheServersEndRecoversAtOnceAndAFailedStartIsToldWithIts
         t.QueueBatch({"queued"});
         t.messageChecked = messages;
         t.nowMs = afterMs;
-        t.am.ServerExited({t.process - 1, "RF.EXE", 3, false, {}, false}); // not the server
+        t.am.ServerExited({t.process - 1, "RF.EXE", 3, false, {}}); // not the server
         EXPECT_TRUE(t.boxes.shown.isEmpty() && t.am.ServerHandle() == 42);
-        t.am.ServerExited({t.process, "/rf/RF.EXE", status, signalled, "wine: go\nno way", false});
+        t.am.ServerExited({t.process, "/rf/RF.EXE", status, signalled, "wine: go\nno way"});
         ASSERT_EQ(t.boxes.shown.size(), 1);
         EXPECT_TRUE(t.am.Queue().isEmpty() && !t.addsTimer && t.am.ServerHandle() == 0);
         EXPECT_EQ(t.boxes.shown[0].title, title);
@@ -294,14 +293,13 @@ TEST_F(AutoMessagesTest, TheServersEndRecoversAtOnceAndAFailedStartIsToldWithIts
     }
 }
 
-// With "Server Recover": at most 3 relaunches within 10 minutes, then the loss is told once.
-// The operator's own launch starts the count afresh; relaunches 4 minutes apart never stop.
+// At most 3 relaunches within 10 minutes, then told once; the operator's Launch resets.
 TEST_F(AutoMessagesTest, RelaunchesStopAfterThreeInTenMinutesUntilTheOperatorLaunches) {
     servRecChecked = true;
     onLaunch = [this] { am.ServerLaunched(77), am.WatchServer(++process); };
     const auto lose = [this](int times, std::int64_t apartMs) {
         for (int i = 0; i < times; ++i, nowMs += apartMs)
-            am.ServerExited({process, "RF.EXE", 3, false, "cannot start", false});
+            am.ServerExited({process, "RF.EXE", 3, false, "cannot start"});
         return std::pair(launches, int(boxes.shown.size()));
     };
     EXPECT_EQ(lose(5, 1000), std::pair(3, 1));

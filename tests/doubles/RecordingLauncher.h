@@ -6,7 +6,6 @@
 #include <QString>
 
 // Records every start with its arguments and answers with scripted results, then 42.
-// A successful start makes process 1000, 1001, ...; End reports one of them ended.
 class RecordingLauncher : public ProcessLauncher {
 public:
     struct Call {
@@ -18,29 +17,24 @@ public:
     std::int32_t ShellExecute(const QString& program, const QString& parameters,
                               const QString& workingDirectory, std::int32_t windowStyle) override {
         calls.append({program, parameters, workingDirectory, {}, windowStyle});
-        return Started(shellResults.isEmpty() ? 42 : shellResults.takeFirst());
+        return last = shellResults.isEmpty() ? 42 : shellResults.takeFirst();
     }
     std::int32_t StartCommandLine(const QString& commandLine, std::int32_t windowStyle) override {
         calls.append({{}, {}, {}, commandLine, windowStyle});
-        return Started(commandLineResults.isEmpty() ? 42 : commandLineResults.takeFirst());
+        return last = commandLineResults.isEmpty() ? 42 : commandLineResults.takeFirst();
     }
     QString CurrentDirectory() override { return "C:\\Hostwarden"; }
-    std::int64_t StartedProcess() override { return started; }
+    // A successful start makes process 999 + the number of calls so far.
+    std::int64_t StartedProcess() override { return last > 32 ? 999 + calls.size() : 0; }
     void OnProgramExit(ExitHandler handler) override { onExit = std::move(handler); }
-    QString ErrorOutput(std::int64_t process) override {
-        return QString("stderr of %1").arg(process);
-    }
+    QString ErrorOutput(std::int64_t p) override { return QString("stderr of %1").arg(p); }
     // The last started process ends with `status` and that error output.
-    void End(int status, const QString& tail = {}) { onExit({started, "RF.EXE", status, 0, tail}); }
+    void End(int status, const QString& tail = {}) {
+        onExit({StartedProcess(), "RF.EXE", status, 0, tail});
+    }
 
     QList<Call> calls;
     QList<std::int32_t> shellResults, commandLineResults;
-    std::int64_t started = 0, nextProcess = 1000;
+    std::int32_t last = 0;
     ExitHandler onExit = [](const ProgramExit&) {};
-
-private:
-    std::int32_t Started(std::int32_t result) {
-        started = result > 32 ? nextProcess++ : 0;
-        return result;
-    }
 };
