@@ -1,7 +1,6 @@
 #include "automation/AutoMessageHost.h"
 #include "automation/AutoMessages.h"
 #include "automation/KeySender.h"
-#include "platform/ProcessLauncher.h"
 #include "server/AppState.h"
 
 #include "FakeWindowServices.h"

@@ -179,9 +179,9 @@ TEST_F(PosixProcessLauncherTest, FailureGivesASmallErrorCodeAndRunsNothing) {
 
 // The end comes with the status, the error output's last lines and the program's kind.
 TEST_F(PosixProcessLauncherTest, ReportsTheEndWithStatusAndTheLastLinesOfErrorOutput) {
-    QByteArray pe32(64, '\0');
-    pe32[0] = 'M', pe32[1] = 'Z', pe32[0x3C] = 64;
-    const QString exe = Make("Win/RF.EXE", pe32 + QByteArray("PE\0\0\x4c\x01", 6), false);
+    const QByteArray pe32 =
+        "MZ" + QByteArray(58, '\0') + QByteArray("\x40\0\0\0PE\0\0\x4c\x01", 10);
+    const QString exe = Make("Win/RF.EXE", pe32, false);
     Make("bin/wine",
          "#!/bin/sh\nhead -c 9000 /dev/zero >&2\nfor i in $(seq 20); do echo line $i "
          ">&2; done\nexit 3\n",

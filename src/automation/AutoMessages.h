@@ -1,6 +1,7 @@
 #pragma once
 
 #include "automation/RecoveryGuard.h"
+#include "platform/ProcessLauncher.h"
 
 #include <QString>
 #include <QStringList>
@@ -15,7 +16,6 @@ class MessageBoxes;
 class RandomSource;
 class WindowServices;
 struct AppState;
-struct ProgramExit;
 
 // The automatic chat messages and the recovery of a lost server: the countdown
 // (TMRAdds), the dispatcher (Timer1) and the typist (TMRSend), driven by tick calls.

@@ -29,9 +29,7 @@ public:
     void OnProgramExit(ExitHandler handler) override { onExit = std::move(handler); }
     QString ErrorOutput(std::int64_t p) override { return QString("stderr of %1").arg(p); }
     // The last started process ends with `status` and that error output.
-    void End(int status, const QString& tail = {}) {
-        onExit({StartedProcess(), "RF.EXE", status, 0, tail});
-    }
+    void End(int status, QString tail = {}) { onExit({StartedProcess(), "", status, 0, tail}); }
 
     QList<Call> calls;
     QList<std::int32_t> shellResults, commandLineResults;
