@@ -35,7 +35,8 @@ public:
     virtual QString CurrentDirectory() = 0;
 
     // The process the last successful start created; 0 when the last start failed or
-    // the launcher cannot tell.
+    // the launcher cannot tell. It leads a session of its own, so its id is also the
+    // session id of every process the program starts.
     virtual std::int64_t StartedProcess() { return 0; }
 
     // The last lines a started program that still runs has written to its error output.
