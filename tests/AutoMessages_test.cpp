@@ -28,6 +28,7 @@ struct Rig : AutoMessageHost, KeySender {
         state.MessageRate = 3;
         server = windows.Add(kServerTitle);
         am.ServerLaunched(42);
+        am.WatchServer(process);
     }
 
     bool MessageChecked() override { return messageChecked; }
@@ -92,6 +93,7 @@ struct Rig : AutoMessageHost, KeySender {
     FakeClock clock;
     AutoMessages am{*this, state, windows, *this, random, beeper, boxes, clock};
     WindowHandle server = 0;
+    std::int64_t process = 500;
 };
 
 class AutoMessagesTest : public Rig, public ::testing::Test {};
@@ -326,6 +328,50 @@ TEST_F(AutoMessagesTest, TypesByCharacterAndReplacesWhatTheCodePageLacks) {
     EXPECT_EQ(
         pushed,
         QString::fromUtf8("say caf\u00e9 \u00df\u20ac??~").split(QString(), Qt::SkipEmptyParts));
+}
+
+// The server's end recovers at once; a failure status within 5 s is a failed start.
+TEST_F(AutoMessagesTest, TheServersEndRecoversAtOnceAndAFailedStartIsToldWithItsDetails) {
+    const std::tuple<const char*, bool, std::int64_t, int, bool, const char*> rows[] = {
+        {"killed, messages off", false, 60000, 9, true, "Server Error"},
+        {"ended cleanly at once", true, 1000, 0, false, "Server Error"},
+        {"failed after 5 s", true, 5000, 3, false, "Server Error"},
+        {"failed at once", false, 4999, 3, false, "Dedicated Server Error"}};
+    for (const auto& [what, messages, afterMs, status, signalled, title] : rows) {
+        SCOPED_TRACE(what);
+        Rig t;
+        t.QueueBatch({"queued"});
+        t.messageChecked = messages;
+        t.clock.now += afterMs; // after the launch
+        t.am.ServerExited({t.process - 1, "RF.EXE", 3, false, {}}); // not the server
+        EXPECT_TRUE(t.boxes.shown.isEmpty() && t.am.ServerHandle() == 42);
+        t.am.ServerExited({t.process, "/rf/RF.EXE", status, signalled, "wine: go\nno way"});
+        ASSERT_EQ(t.boxes.shown.size(), 1);
+        EXPECT_TRUE(t.am.Queue().isEmpty() && !t.addsTimer && t.am.ServerHandle() == 0);
+        EXPECT_EQ(t.boxes.shown[0].title, title);
+        EXPECT_TRUE(t.boxes.shown[0] == kServerError ||
+                    t.boxes.shown[0].text.endsWith(
+                        "Program: /rf/RF.EXE\r\nExit status: 3\r\nThe "
+                        "last lines of its error output:\r\nwine: go\r\nno way"));
+    }
+}
+
+// At most 3 relaunches within 10 minutes, then told once; the operator's Launch resets.
+TEST_F(AutoMessagesTest, RelaunchesStopAfterThreeInTenMinutesUntilTheOperatorLaunches) {
+    servRecChecked = true;
+    onLaunch = [this] { am.ServerLaunched(77), am.WatchServer(++process); };
+    const auto lose = [this](int times, std::int64_t apartMs) {
+        for (int i = 0; i < times; ++i, clock.now += apartMs)
+            am.ServerExited({process, "RF.EXE", 3, false, "cannot start"});
+        return std::pair(launches, int(boxes.shown.size()));
+    };
+    EXPECT_EQ(lose(5, 1000), std::pair(3, 1));
+    EXPECT_TRUE(boxes.shown[0].text.contains("after 3 automatic relaunches within 10 minutes"));
+    am.ForgetServer(), onLaunch(); // the operator's Launch
+    EXPECT_EQ(lose(3, RecoveryGuard::kWindowMs / 3 - 1), std::pair(6, 1));
+    EXPECT_EQ(lose(1, 0), std::pair(6, 2)) << "the first of the three is within ten minutes";
+    am.ForgetServer(), onLaunch();
+    EXPECT_EQ(lose(6, 4 * 60 * 1000), std::pair(12, 2));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "Texts.h"
 
 #include "ui/server/LaunchHandlers.h"
+#include "ui/server/WatchHandlers.h"
 
 #include <QDir>
 #include <QFile>
@@ -151,6 +152,25 @@ TEST(Launch, FailuresAreReported) {
         EXPECT_EQ(
             box, ErrorBox("RedFaction Dedicated Server Filed to Launch", row.title, MsgIcon::None));
     }
+}
+
+// A server started by the whole line is watched too: a console missing after 30 s is told.
+TEST(Launch, TheStartedServerIsWatched) {
+    QTemporaryDir dir;
+    Launch m(dir.path() + "/");
+    m.t.launcher.shellResults = {2};
+    CMDLaunch_Click(*m.w);
+    const WindowHandle console = m.t.windows.Add("Wine: " + texts::kServerTitle.toUpper());
+    ConsoleWatch_Timer(*m.w);
+    m.t.windows.Vanish(console);
+    ConsoleWatch_Timer(*m.w);
+    m.t.launcher.End(3, "cannot start");
+    ConsoleWatch_Timer(*m.w); // no server left to watch
+    ASSERT_EQ(m.t.messages.shown.size(), 2);
+    EXPECT_TRUE(m.t.messages.shown[0].text.endsWith(
+        "30 seconds after its start it still shows no window titled \"Red Faction Dedicated "
+        "Server\", so no messages can be typed into it.\r\n\r\nProgram: " +
+        dir.path() + "/RF.EXE\r\nThe last lines of its error output:\r\nstderr of 1001"));
 }
 
 TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {

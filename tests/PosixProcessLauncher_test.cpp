@@ -2,6 +2,7 @@
 
 #include "platform/posix/NoCasePath.h"
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QDirIterator>
@@ -63,6 +64,14 @@ protected:
         QFile::remove(recordPath);
         return QString::fromUtf8(file.readAll()).chopped(1).split('\n');
     }
+    // The event loop runs until the launcher reports the last started program's end.
+    std::optional<ProgramExit> WaitForExit() {
+        std::optional<ProgramExit> exit;
+        launcher.OnProgramExit([&](const ProgramExit& e) { exit = e; });
+        for (QDeadlineTimer deadline(10000); !exit && !deadline.hasExpired();)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+        return exit;
+    }
 
     QTemporaryDir temp;
     const QString root = QFileInfo(temp.path()).canonicalFilePath();
@@ -71,7 +80,7 @@ protected:
     PosixProcessLauncher launcher;
 };
 
-TEST_F(PosixProcessLauncherTest, StartsTheProgramDetachedWithItsArgumentsInItsFolder) {
+TEST_F(PosixProcessLauncherTest, StartsTheProgramInASessionOfItsOwnWithItsArgumentsInItsFolder) {
     const QString shellDir = "@/g;touch injected&&$(touch injected)|`touch injected`>injected x";
     const QString shellName = "a;touch @/injected $(touch @/injected) `touch @/injected` && "
                               "touch @/injected | cat > @/injected";
@@ -127,9 +136,12 @@ TEST_F(PosixProcessLauncherTest, StartsTheProgramDetachedWithItsArgumentsInItsFo
             row.pwd.isEmpty() ? QFileInfo(QDir::currentPath()).canonicalFilePath() : At(row.pwd);
         EXPECT_EQ(QStringList({record->value(Pwd), record->value(Stdin)}) + record->mid(Argv),
                   QStringList({pwd, "/dev/null"}) + At(row.argv).split('\n'));
-        EXPECT_NE(record->value(Ppid), QString::number(getpid()));
-        EXPECT_NE(record->value(Sid), QString::number(getsid(0)));
-        errno = 0; // nothing of ours is left to reap: no zombie, no child at all
+        const auto exit = WaitForExit();
+        ASSERT_TRUE(exit);
+        // Ours to watch, and the head of a session of its own.
+        EXPECT_EQ(record->mid(Ppid, 2),
+                  QStringList({QString::number(getpid()), QString::number(exit->process)}));
+        errno = 0; // reaped once ended: no zombie, no child at all
         EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
         EXPECT_EQ(errno, ECHILD);
     }
@@ -163,6 +175,27 @@ TEST_F(PosixProcessLauncherTest, FailureGivesASmallErrorCodeAndRunsNothing) {
     EXPECT_EQ(launcher.ShellExecute(game, "", root + "/Game", 1), 31)
         << "no wine for a Windows program";
     EXPECT_FALSE(QFile::exists(recordPath));
+    EXPECT_EQ(launcher.StartedProcess(), 0);
+}
+
+// The end comes with the status, the error output's last lines and the program's kind.
+TEST_F(PosixProcessLauncherTest, ReportsTheEndWithStatusAndTheLastLinesOfErrorOutput) {
+    const QByteArray pe32 =
+        "MZ" + QByteArray(58, '\0') + QByteArray("\x40\0\0\0PE\0\0\x4c\x01", 10);
+    const QString exe = Make("Win/RF.EXE", pe32, false);
+    Make("bin/wine",
+         "#!/bin/sh\nhead -c 9000 /dev/zero >&2\nfor i in $(seq 20); do echo line $i "
+         ">&2; done\nexit 3\n",
+         true);
+    qputenv("PATH", QFile::encodeName(root + "/bin") + ":" + savedPath);
+    ASSERT_EQ(launcher.ShellExecute(exe, "-dedicated x", root, 1), 42);
+    const auto exit = WaitForExit();
+    ASSERT_TRUE(exit);
+    EXPECT_EQ(std::tuple(exit->process, exit->program, exit->status, exit->signalled,
+                         exit->windows32, exit->errorTail),
+              std::tuple(launcher.StartedProcess(), exe, 3, false, true,
+                         QString("line 13\nline 14\nline 15\nline 16\nline 17\nline 18\nline "
+                                 "19\nline 20")));
 }
 
 } // namespace

@@ -4,9 +4,11 @@
 #include "automation/KeySender.h"
 #include "automation/Module2.h"
 #include "platform/Ansi.h"
+#include "automation/WatchMessages.h"
 #include "platform/Beeper.h"
 #include "platform/Clock.h"
 #include "platform/MessageBoxes.h"
+#include "platform/ProcessLauncher.h"
 #include "platform/RandomSource.h"
 #include "platform/WindowServices.h"
 #include "server/AppState.h"
@@ -197,6 +199,18 @@ void AutoMessages::TellOnce(bool& told, const QString& text) {
 }
 
 void AutoMessages::RecoverServer() {
+    Recover(nullptr);
+}
+
+void AutoMessages::ServerExited(const ProgramExit& exit) {
+    if (ServerHandle_ == 0 || watched_ == 0 || exit.process != watched_)
+        return; // not the server this program launched last
+    Recover(&exit);
+}
+
+void AutoMessages::Recover(const ProgramExit* exit) {
+    const bool failedStart =
+        exit && !exit->signalled && exit->status != 0 && clock_.NowMs() - launchedAtMs_ < kFailedStartMs;
     SendPos_ = 0;
     SetTMRAddsEnabled(false);
     SetTMRSendEnabled(false);
@@ -205,10 +219,19 @@ void AutoMessages::RecoverServer() {
     LSTBuff_.clear();
     ServerHandle_ = 0;
     waitingSince_ = -1;
+    watched_ = 0;
 
     if (host_.ServRecChecked()) {
+        if (!guard_.Allow(clock_.NowMs())) {
+            messages_.Show(RecoveryStoppedMessage(guard_.Count(), exit, failedStart));
+            return;
+        }
+        relaunching_ = true;
         host_.Launch();
+        relaunching_ = false;
         beeper_.Beep();
+    } else if (failedStart) {
+        messages_.Show(FailedStartMessage(*exit));
     } else {
         messages_.Show({"Red Faction Dedicated Server Cannot be found or is not responding. "
                         "Please varify the server is running and try again",
@@ -226,6 +249,9 @@ void AutoMessages::ForgetServer() {
     pendingChars_.clear();
     SendPos_ = 0;
     waitingSince_ = -1;
+    watched_ = 0;
+    if (!relaunching_)
+        guard_.Reset();
 }
 
 void AutoMessages::ServerLaunched(std::uint32_t handle, std::int64_t process) {
@@ -235,6 +261,11 @@ void AutoMessages::ServerLaunched(std::uint32_t handle, std::int64_t process) {
     serverProcess_ = process;
     graceUntil_ = clock_.NowMs() + kLaunchGraceMs;
     SetTMRAddsEnabled(true);
+}
+
+void AutoMessages::WatchServer(std::int64_t process) {
+    watched_ = ServerHandle_ != 0 ? process : 0;
+    launchedAtMs_ = clock_.NowMs();
 }
 
 void AutoMessages::SetTMRAddsEnabled(bool enabled) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "automation/RecoveryGuard.h"
+#include "platform/ProcessLauncher.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -51,11 +54,23 @@ public:
     void RecoverServer();
 
     // A launch begins: no server is known until it reports one, and a line half typed
-    // for the old server is dropped.
+    // for the old server is dropped. A launch that is not recovery's own starts the count
+    // of automatic relaunches afresh.
     void ForgetServer();
     // The launch started a server (non-zero handle) as `process` (0 when not known):
     // its countdown starts, and its console has a grace period to appear.
     void ServerLaunched(std::uint32_t handle, std::int64_t process = 0);
+
+    // A server that ends with a failure status this soon after its launch failed to start.
+    static constexpr std::int64_t kFailedStartMs = 5000;
+
+    // The launch started `process` as the server; its end is watched from now on.
+    void WatchServer(std::int64_t process);
+    // A started program has ended. When it is the launched server, the recovery step runs
+    // at once, whatever the state of the messages.
+    void ServerExited(const ProgramExit& exit);
+    // The server process being watched; 0 when none.
+    std::int64_t WatchedServer() const { return watched_; }
 
     bool TMRAddsEnabled() const { return addsEnabled_; }
     bool TMRSendEnabled() const { return sendEnabled_; }
@@ -86,6 +101,8 @@ private:
     void StopWithoutDisplay();
     // Shows a notice the first time only; `told` remembers it for the run.
     void TellOnce(bool& told, const QString& text);
+    // The recovery step; `exit` tells how the server ended when it did.
+    void Recover(const ProgramExit* exit);
 
     AutoMessageHost& host_;
     const AppState& state_;
@@ -110,4 +127,8 @@ private:
     // When the current character began to wait for the console's focus; -1 when not.
     std::int64_t waitingSince_ = -1;
     bool toldNoDisplay_ = false;
+    std::int64_t watched_ = 0;
+    std::int64_t launchedAtMs_ = 0;
+    bool relaunching_ = false;
+    RecoveryGuard guard_;
 };

@@ -9,6 +9,7 @@
 #include "ui/server/LaunchHandlers.h"
 #include "ui/server/ModHandlers.h"
 #include "ui/server/StartupHandlers.h"
+#include "ui/server/WatchHandlers.h"
 #include "ui/settings/ConfigFieldHandlers.h"
 #include "ui/settings/ConfigHandlers.h"
 #include "ui/settings/ConfigListHandlers.h"
@@ -52,7 +53,7 @@ Hostwarden::Hostwarden(AppState& state, WindowRegistry& windows, Services& servi
             TypingChoosesNothing(list);
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
     setFixedSize(791, 504);
-    for (QTimer* timer : {&Timer1, &TMRAdds, &TMRSend})
+    for (QTimer* timer : {&Timer1, &TMRAdds, &TMRSend, &ConsoleWatch})
         timer->setParent(this);
     Timer1.setObjectName(QStringLiteral("Timer1"));
     TMRAdds.setObjectName(QStringLiteral("TMRAdds"));
@@ -73,11 +74,19 @@ Hostwarden::Hostwarden(AppState& state, WindowRegistry& windows, Services& servi
                                                  services.random, services.beeper,
                                                  services.messages, services.clock);
 
+    ConsoleWatch.setObjectName(QStringLiteral("ConsoleWatch"));
+    ConsoleWatch.setSingleShot(true);
+    ConsoleWatch.setInterval(kConsoleWatchSeconds * 1000);
+    services.launcher.OnProgramExit(
+        [this](const ProgramExit& exit) { automation_->ServerExited(exit); });
+
     Connect();
     Timer1.start();
 }
 
-Hostwarden::~Hostwarden() = default;
+Hostwarden::~Hostwarden() {
+    services.launcher.OnProgramExit({});
+}
 
 int Hostwarden::TextRate() const {
     return TMRSend.interval();
@@ -96,7 +105,12 @@ void Hostwarden::ForgetServer() {
 }
 
 void Hostwarden::ServerLaunched(std::uint32_t handle) {
-    automation_->ServerLaunched(handle, services.launcher.LastStartedProcess());
+    automation_->ServerLaunched(handle, services.launcher.StartedProcess());
+}
+
+void Hostwarden::WatchServer(std::int64_t process) {
+    automation_->WatchServer(process);
+    ConsoleWatch.start();
 }
 
 void Hostwarden::Connect() {
@@ -159,6 +173,7 @@ void Hostwarden::Connect() {
     connect(&Timer1, &QTimer::timeout, this, [w] { w->automation_->Timer1_Timer(); });
     connect(&TMRAdds, &QTimer::timeout, this, [w] { w->automation_->TMRAdds_Timer(); });
     connect(&TMRSend, &QTimer::timeout, this, [w] { w->automation_->TMRSend_Timer(); });
+    connect(&ConsoleWatch, &QTimer::timeout, this, [w] { ConsoleWatch_Timer(*w); });
 
     ui->TXTConfName->installEventFilter(this);
     ui->Image1->installEventFilter(this);

@@ -52,6 +52,8 @@ public:
     // A launch begins, and ends with a started server (non-zero) or none.
     void ForgetServer();
     void ServerLaunched(std::uint32_t handle);
+    // The launch started `process` as the server: watch it end, and its console appear.
+    void WatchServer(std::int64_t process);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -65,6 +67,8 @@ private:
     QTimer Timer1;
     QTimer TMRAdds;
     QTimer TMRSend;
+    // Fires once, a while after a launch, to see that the console has appeared.
+    QTimer ConsoleWatch;
     std::unique_ptr<ModPushKeys> keys_;
     std::unique_ptr<MainWindowMessageHost> messageHost_;
     std::unique_ptr<AutoMessages> automation_;

@@ -97,7 +97,7 @@ TEST_F(Journey, SlowTheFirstLineComesThreeRealMinutesAfterLaunch) {
 class Recovery : public Journey, public testing::WithParamInterface<bool> {};
 
 // A server that dies while automatic messages run. With "Server Recover" the program starts
-// it again at the next due line; without, it tells the operator once, and the operator's own
+// it again; without, it tells the operator once, and the operator's own
 // launch starts it. The batch that found the server gone is dropped; the next one reaches
 // the new server.
 TEST_P(Recovery, AServerThatDiedIsStartedAgainAndTheMessagesGoOn) {
@@ -119,7 +119,7 @@ TEST_P(Recovery, AServerThatDiedIsStartedAgainAndTheMessagesGoOn) {
     ASSERT_EQ(::kill(StartedPids().front(), SIGKILL), 0); // as a crash would
     ASSERT_TRUE(desktop_.WaitGone(*server));
 
-    // Noticed at the first key of the next batch, one interval after the first.
+    // Noticed at once, when the process ends; at the latest at the next batch's first key.
     if (!recover) {
         const auto box = desktop_.WaitFor(kServerErrorTitle, kInterval + 15s);
         ASSERT_TRUE(box) << Windows();

@@ -9,6 +9,9 @@
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
+#include <cstdlib>
+#include <unistd.h>
+
 StandinWindow::StandinWindow(const QDir& gameDir, const QStringList& arguments, QWidget* parent)
     : QWidget(parent), gameDir_(gameDir), keys_(gameDir.filePath("keys.log")),
       log_(new QPlainTextEdit(this)), console_(new QLineEdit(this)) {
@@ -90,6 +93,11 @@ void StandinWindow::Submit() {
     AppendTo(QStringLiteral("transcript.txt"), line + QLatin1Char('\n'));
     if (line.startsWith(QLatin1String("say ")))
         Log(QStringLiteral("[chat] ") + line.mid(4));
+    if (line == QLatin1String("crash"))
+        std::abort();
+    if (line == QLatin1String("hang"))
+        for (;;)
+            ::pause();
 }
 
 bool StandinWindow::eventFilter(QObject* watched, QEvent* event) {

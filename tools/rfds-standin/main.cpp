@@ -13,6 +13,7 @@ namespace {
 
 constexpr const char* kUsage =
     "Usage: RF.EXE -dedicated <configuration> [-lanonly] [-port <port>] [-mod <mod>]\n"
+    "       RF.EXE --exit <status>   fail at start: say so on stderr and exit with <status>\n"
     "\n"
     "Stands in for the Red Faction dedicated server. It opens a console window titled\n"
     "\"Red Faction Dedicated Server\" whose input line takes typed commands; Enter\n"
@@ -26,7 +27,9 @@ constexpr const char* kUsage =
     "  appends events.txt       \"started pid N\" and \"closed pid N\"\n"
     "\n"
     "Its window is an X11 window, on a Wayland desktop too (through Xwayland); without\n"
-    "an X display (DISPLAY not set) it says so and exits with status 2.\n";
+    "an X display (DISPLAY not set) it says so and exits with status 2.\n"
+    "Console commands for trying a watch over the server: \"crash\" ends it at once with\n"
+    "SIGABRT; \"hang\" stops it answering (its window stays, nothing it gets is handled).\n";
 
 void RecordCommandLine(int argc, char** argv) {
     QFile file(QStringLiteral("commandline.txt"));
@@ -62,6 +65,11 @@ int main(int argc, char** argv) {
         if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
             std::fputs(kUsage, stdout);
             return 0;
+        }
+        if (std::strcmp(argv[i], "--exit") == 0 && i + 1 < argc) {
+            const int status = std::atoi(argv[i + 1]);
+            std::fprintf(stderr, "cannot start: asked to exit with status %d\n", status);
+            return status;
         }
     }
     // Before QApplication, which takes away the arguments it knows.

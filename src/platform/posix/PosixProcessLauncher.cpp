@@ -1,15 +1,18 @@
 #include "platform/posix/PosixProcessLauncher.h"
 
+#include "platform/posix/ErrorTail.h"
 #include "platform/posix/NoCasePath.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSocketNotifier>
 
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -115,12 +118,15 @@ QString FindWine() {
 
 // Runs in the new program's process between fork and exec: only async-signal-safe
 // calls from here on.
-[[noreturn]] void ExecChild(char* const* argv, const char* workdir, int reportFd) {
+[[noreturn]] void ExecChild(char* const* argv, const char* workdir, int reportFd, int errorFd) {
+    ::setsid();
     const int devnull = ::open("/dev/null", O_RDONLY);
     if (devnull >= 0 && devnull != STDIN_FILENO) {
         ::dup2(devnull, STDIN_FILENO);
         ::close(devnull);
     }
+    if (errorFd >= 0)
+        ::dup2(errorFd, STDERR_FILENO);
     int error = 0;
     if (workdir && ::chdir(workdir) != 0)
         error = errno;
@@ -130,8 +136,13 @@ QString FindWine() {
         sigprocmask(SIG_SETMASK, &none, nullptr);
         struct sigaction fallback {};
         fallback.sa_handler = SIG_DFL;
-        for (const int sig : {SIGPIPE, SIGCHLD, SIGINT, SIGQUIT, SIGTERM, SIGHUP})
+        for (const int sig : {SIGCHLD, SIGINT, SIGQUIT, SIGTERM, SIGHUP})
             sigaction(sig, &fallback, nullptr);
+        // The error output is a pipe to us: once we are gone, a write to it must fail
+        // rather than end the server.
+        struct sigaction ignore {};
+        ignore.sa_handler = SIG_IGN;
+        sigaction(SIGPIPE, &ignore, nullptr);
         ::close_range(3, ~0U, CLOSE_RANGE_CLOEXEC); // best effort: no inherited handles
         ::execve(argv[0], argv, environ);
         error = errno;
@@ -140,14 +151,15 @@ QString FindWine() {
     ::_exit(127);
 }
 
-// The intermediate process of the last successful start: it opened the session in which
-// the program and everything it starts run.
-pid_t lastSession = 0;
+struct Spawned {
+    pid_t pid = -1;
+    int errorFd = -1; // read end of the program's error output
+    std::int32_t error = 0;
+};
 
-// Starts argv[0] detached: an intermediate process opens a new session, forks the
-// program and leaves at once, so init adopts the program and we reap only the
-// intermediate. The program reports a failed exec through a close-on-exec pipe.
-std::int32_t Spawn(const QStringList& arguments, const QString& workingDirectory) {
+// Starts argv[0] in a session of its own. A failed exec is reported through a
+// close-on-exec pipe, so the call returns once the program runs or has failed to.
+Spawned Spawn(const QStringList& arguments, const QString& workingDirectory) {
     std::vector<QByteArray> storage;
     for (const QString& argument : arguments)
         storage.push_back(QFile::encodeName(argument));
@@ -160,28 +172,21 @@ std::int32_t Spawn(const QStringList& arguments, const QString& workingDirectory
 
     int report[2];
     if (::pipe2(report, O_CLOEXEC) != 0)
-        return kNoResources;
-    const pid_t middle = ::fork();
-    if (middle < 0) {
-        ::close(report[0]);
-        ::close(report[1]);
-        return kNoResources;
-    }
-    if (middle == 0) {
-        ::close(report[0]);
-        ::setsid();
-        const pid_t child = ::fork();
-        if (child == 0)
-            ExecChild(argv.data(), workdirText, report[1]);
-        if (child < 0) {
-            const int error = EAGAIN;
-            [[maybe_unused]] const ssize_t written = ::write(report[1], &error, sizeof error);
-        }
-        ::_exit(0);
-    }
+        return {-1, -1, kNoResources};
+    int errors[2] = {-1, -1};
+    if (::pipe2(errors, O_CLOEXEC) != 0)
+        errors[0] = errors[1] = -1; // the program runs without its error output kept
+    const pid_t child = ::fork();
+    if (child == 0)
+        ExecChild(argv.data(), workdirText, report[1], errors[1]);
     ::close(report[1]);
-    int status = 0;
-    while (::waitpid(middle, &status, 0) < 0 && errno == EINTR) {
+    if (errors[1] >= 0)
+        ::close(errors[1]);
+    if (child < 0) {
+        ::close(report[0]);
+        if (errors[0] >= 0)
+            ::close(errors[0]);
+        return {-1, -1, kNoResources};
     }
     int error = 0;
     ssize_t got = 0;
@@ -189,26 +194,34 @@ std::int32_t Spawn(const QStringList& arguments, const QString& workingDirectory
         got = ::read(report[0], &error, sizeof error);
     } while (got < 0 && errno == EINTR);
     ::close(report[0]);
-    if (got == sizeof error)
-        return FromErrno(error);
-    lastSession = middle;
-    return kStarted;
+    if (got == sizeof error) {
+        while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+        }
+        if (errors[0] >= 0)
+            ::close(errors[0]);
+        return {-1, -1, FromErrno(error)};
+    }
+    if (errors[0] >= 0)
+        ::fcntl(errors[0], F_SETFL, O_NONBLOCK);
+    return {child, errors[0], 0};
 }
 
-std::int32_t Start(const QString& program, const QStringList& parameters,
-                   const QString& workingDirectory) {
-    const Runnable runnable = Inspect(program);
-    if (runnable.error)
-        return runnable.error;
-    QStringList arguments;
-    if (runnable.windows) {
-        const QString wine = FindWine();
-        if (wine.isEmpty())
-            return kNoAssociation;
-        arguments << wine;
-    }
-    arguments << program << parameters;
-    return Spawn(arguments, workingDirectory);
+// Whether a Windows program file is built for 32-bit x86 (PE machine type i386).
+bool IsWindows32(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray dos = file.read(64);
+    if (dos.size() < 64)
+        return false;
+    const auto at = [](const QByteArray& bytes, int offset) {
+        return quint32(quint8(bytes[offset])) | quint32(quint8(bytes[offset + 1])) << 8;
+    };
+    const quint32 header = at(dos, 0x3C) | at(dos, 0x3E) << 16;
+    if (!file.seek(header))
+        return false;
+    const QByteArray pe = file.read(6);
+    return pe.size() == 6 && pe.startsWith(QByteArray("PE\0\0", 4)) && at(pe, 4) == 0x014C;
 }
 
 QStringList SplitBlanks(const QString& text) {
@@ -221,9 +234,120 @@ QString FolderOf(const QString& file) {
 
 } // namespace
 
+// A started program being watched: its end through a process file descriptor, its
+// error output through a pipe, both on the event loop.
+struct PosixProcessLauncher::Watch {
+    ProgramExit exit;
+    int processFd = -1;
+    int errorFd = -1;
+    ErrorTail tail;
+    std::unique_ptr<QSocketNotifier> ended, output;
+
+    ~Watch() {
+        ended.reset();
+        output.reset();
+        for (const int fd : {processFd, errorFd})
+            if (fd >= 0)
+                ::close(fd);
+    }
+    // Takes what the program has written so far; false once its end of the pipe closed.
+    bool ReadOutput() {
+        char buffer[4096];
+        for (;;) {
+            const ssize_t got = ::read(errorFd, buffer, sizeof buffer);
+            if (got > 0)
+                tail.Append(buffer, got);
+            else if (got < 0 && errno == EINTR)
+                continue;
+            else
+                return got < 0 && errno == EAGAIN;
+        }
+    }
+};
+
+PosixProcessLauncher::PosixProcessLauncher() = default;
+
+// The programs outlive us; only our ends of their pipes close.
+PosixProcessLauncher::~PosixProcessLauncher() = default;
+
+std::int32_t PosixProcessLauncher::Start(const QString& program, const QStringList& parameters,
+                                         const QString& workingDirectory) {
+    lastStarted_ = 0;
+    const Runnable runnable = Inspect(program);
+    if (runnable.error)
+        return runnable.error;
+    QStringList arguments;
+    if (runnable.windows) {
+        const QString wine = FindWine();
+        if (wine.isEmpty())
+            return kNoAssociation;
+        arguments << wine;
+    }
+    arguments << program << parameters;
+    const Spawned spawned = Spawn(arguments, workingDirectory);
+    if (spawned.error || spawned.pid < 0)
+        return spawned.error;
+
+    auto watch = std::make_unique<Watch>();
+    watch->exit.process = spawned.pid;
+    watch->exit.program = program;
+    watch->exit.windows32 = runnable.windows && IsWindows32(program);
+    watch->errorFd = spawned.errorFd;
+    watch->processFd = int(::syscall(SYS_pidfd_open, spawned.pid, 0));
+    const std::int64_t process = spawned.pid;
+    if (watch->processFd >= 0) {
+        watch->ended = std::make_unique<QSocketNotifier>(watch->processFd, QSocketNotifier::Read);
+        QObject::connect(watch->ended.get(), &QSocketNotifier::activated,
+                         [this, process] { Ended(process); });
+    }
+    if (watch->errorFd >= 0) {
+        watch->output = std::make_unique<QSocketNotifier>(watch->errorFd, QSocketNotifier::Read);
+        Watch* raw = watch.get();
+        QObject::connect(watch->output.get(), &QSocketNotifier::activated, [raw] {
+            if (!raw->ReadOutput())
+                raw->output->setEnabled(false);
+        });
+    }
+    watches_[process] = std::move(watch);
+    lastStarted_ = process;
+    return kStarted;
+}
+
+void PosixProcessLauncher::Ended(std::int64_t process) {
+    const auto found = watches_.find(process);
+    if (found == watches_.end())
+        return;
+    Watch& watch = *found->second;
+    siginfo_t info{};
+    if (::waitid(P_PID, id_t(process), &info, WEXITED | WNOHANG) != 0 || info.si_pid == 0)
+        return; // not ended after all
+    if (watch.errorFd >= 0)
+        watch.ReadOutput();
+    ProgramExit exit = watch.exit;
+    exit.signalled = info.si_code != CLD_EXITED;
+    exit.status = info.si_status;
+    exit.errorTail = watch.tail.Lines();
+    // The notifier that called us goes with the watch: let it return first.
+    watch.ended->setEnabled(false);
+    watch.ended.release()->deleteLater();
+    watches_.erase(found);
+    if (onExit_)
+        onExit_(exit);
+}
+
+QString PosixProcessLauncher::ErrorOutput(std::int64_t process) {
+    const auto found = watches_.find(process);
+    if (found == watches_.end())
+        return {};
+    if (found->second->errorFd >= 0)
+        found->second->ReadOutput();
+    return found->second->tail.Lines();
+}
+
 std::int32_t PosixProcessLauncher::ShellExecute(const QString& program, const QString& parameters,
                                                 const QString& workingDirectory,
                                                 std::int32_t /*windowStyle*/) {
+    lastStarted_ = 0;
     QString workdir;
     if (!workingDirectory.isEmpty()) {
         const auto found = FindPathNoCase(workingDirectory);
@@ -244,6 +368,7 @@ std::int32_t PosixProcessLauncher::ShellExecute(const QString& program, const QS
 
 std::int32_t PosixProcessLauncher::StartCommandLine(const QString& commandLine,
                                                     std::int32_t /*windowStyle*/) {
+    lastStarted_ = 0;
     const QString line = commandLine.trimmed();
     const QStringList bases{CurrentDirectory()};
 
@@ -278,10 +403,6 @@ std::int32_t PosixProcessLauncher::StartCommandLine(const QString& commandLine,
         return Start(located.path, SplitBlanks(split.rest), FolderOf(located.path));
     }
     return error;
-}
-
-std::int64_t PosixProcessLauncher::LastStartedProcess() {
-    return lastSession;
 }
 
 QString PosixProcessLauncher::CurrentDirectory() {

@@ -2,12 +2,17 @@
 
 #include "platform/ProcessLauncher.h"
 
+#include <map>
+#include <memory>
+
 // Starts programs on Linux without a shell. The program file is found without regard
 // to the case of its path; a Windows executable (a file beginning with "MZ") starts
 // through `wine`, any other executable file directly. Parameters are split on blanks
 // and handed over literally; quotes are not interpreted. The new program runs in its
-// own session with its standard input from /dev/null and outlives this process; it is
-// started through a short-lived intermediate process, so it is never left as a zombie.
+// own session with its standard input from /dev/null and outlives this process. While
+// this process runs it watches the program: the end of the program is seen through a
+// process file descriptor on the event loop, and the last lines of its error output are
+// kept for the exit report (the output itself is not shown anywhere).
 //
 // Results: 42 started; 2 file not found; 3 folder not found; 5 not executable or no
 // permission; 8 out of memory; 11 not a program format the system runs; 26 file busy;
@@ -28,8 +33,21 @@ public:
     std::int32_t StartCommandLine(const QString& commandLine, std::int32_t windowStyle) override;
 
     QString CurrentDirectory() override;
+    std::int64_t StartedProcess() override { return lastStarted_; }
+    void OnProgramExit(ExitHandler handler) override { onExit_ = std::move(handler); }
+    QString ErrorOutput(std::int64_t process) override;
 
-    // The session of the last started program: the id of the intermediate process that
-    // opened it. The program and the processes it starts carry it as their session id.
-    std::int64_t LastStartedProcess() override;
+    PosixProcessLauncher();
+    ~PosixProcessLauncher() override;
+
+    struct Watch;
+
+private:
+    std::int32_t Start(const QString& program, const QStringList& parameters,
+                       const QString& workingDirectory);
+    void Ended(std::int64_t process);
+
+    std::int64_t lastStarted_ = 0;
+    ExitHandler onExit_;
+    std::map<std::int64_t, std::unique_ptr<Watch>> watches_;
 };

@@ -1,7 +1,9 @@
 #include "platform/qt/QtMessageBoxes.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QMessageBox>
+#include <QShortcut>
 
 namespace {
 
@@ -53,6 +55,11 @@ MsgAnswer QtMessageBoxes::Show(const MessageRequest& request) {
                                                                                        : first);
     // The box belongs to no window; keep it above whatever the operator looks at.
     box.setWindowFlag(Qt::WindowStaysOnTopHint);
+    // Ctrl+C copies the title and text, to paste an error into a report.
+    QObject::connect(
+        new QShortcut(QKeySequence::Copy, &box), &QShortcut::activated, &box, [&request] {
+            QGuiApplication::clipboard()->setText(request.title + QLatin1Char('\n') + request.text);
+        });
     ++showing_;
     const int answer = box.exec();
     --showing_;

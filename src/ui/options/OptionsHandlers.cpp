@@ -1,8 +1,10 @@
 #include "ui/options/OptionsHandlers.h"
 
+#include "options/OptionsBackup.h"
 #include "options/OptionsText.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Services.h"
+#include "settings/IniSettingsStore.h"
 #include "ui/Hostwarden.h"
 #include "ui_Hostwarden.h"
 
@@ -33,8 +35,12 @@ void BuildOptionsText(Hostwarden& w) {
 
 bool Write_File(Hostwarden& w) {
     QString error;
-    if (WriteOptionsFile(w.app.GameDir, OptionsText(w), &error))
+    const QString record = IniSettingsStore::DefaultFolder() + QStringLiteral("/options-written");
+    if (BackUpOptionsFile(w.app.GameDir, record, &error) &&
+        WriteOptionsFile(w.app.GameDir, OptionsText(w), &error)) {
+        RecordOptionsWritten(w.app.GameDir, record);
         return true;
+    }
     w.services.messages.Show({error + QStringLiteral("\r\nThe server was not started."),
                               QStringLiteral("Options File Error"), MsgButtons::OK,
                               MsgIcon::Critical, MsgDefault::First});

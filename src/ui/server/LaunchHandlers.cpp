@@ -4,6 +4,7 @@
 #include "platform/Beeper.h"
 #include "platform/MessageBoxes.h"
 #include "platform/ProcessEnd.h"
+#include "platform/ProcessLauncher.h"
 #include "platform/Services.h"
 #include "server/StartProgram.h"
 #include "ui/Hostwarden.h"
@@ -64,6 +65,8 @@ void CMDLaunch_Click(Hostwarden& w) {
     if (started <= 32 && fallback <= 32)
         started = 0;
     w.ServerLaunched(static_cast<std::uint32_t>(started));
+    if (started != 0)
+        w.WatchServer(w.services.launcher.StartedProcess());
     if (started == 0) {
         w.services.messages.Show({QStringLiteral("RedFaction Dedicated Server Filed to Launch"),
                                   QStringLiteral("Dedicated Server Error"), MsgButtons::OK,
