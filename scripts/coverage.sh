@@ -9,7 +9,9 @@ dpkg-query -W -f='${Status}' gcovr 2>/dev/null | grep -q "install ok installed" 
   apt-get update -qq && apt-get install -y -qq gcovr >/dev/null
 }
 dir=build-coverage
-cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS="--coverage -O0" \
+# Absolute source paths in the notes files: with CCACHE_BASEDIR set, ccache hands the compiler
+# relative ones, which gcov cannot resolve from the object directories.
+cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS="--coverage -fprofile-abs-path -O0" \
       -DCMAKE_EXE_LINKER_FLAGS="--coverage" >/dev/null
 cmake --build "$dir" -j"$(nproc)"
 find "$dir" -name '*.gcda' -delete
