@@ -9,6 +9,9 @@ dpkg-query -W -f='${Status}' gcovr 2>/dev/null | grep -q "install ok installed" 
   apt-get update -qq && apt-get install -y -qq gcovr >/dev/null
 }
 dir=build-coverage
+# With CCACHE_BASEDIR set, ccache hands the compiler relative paths, which end up in the notes
+# files and which gcov cannot resolve from the object directories.
+unset CCACHE_BASEDIR
 cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS="--coverage -O0" \
       -DCMAKE_EXE_LINKER_FLAGS="--coverage" >/dev/null
 cmake --build "$dir" -j"$(nproc)"

@@ -87,7 +87,7 @@ struct Rig : AutoMessageHost, KeySender {
 
     AppState state;
     FakeWindowServices windows;
-    SeededRandom random{7};
+    ScriptedRandom random;
     BeepRecorder beeper;
     ScriptedMessageBoxes boxes;
     FakeClock clock;
@@ -143,7 +143,7 @@ TEST_F(AutoMessagesTest, CountdownQueuesNonEmptyBoxesInOrderEveryIntervalWhileCh
 // Without a launched server each position is used up without typing.
 TEST_F(AutoMessagesTest, TypesOneLineAtATimeOneCharacterPerTickAfterActivating) {
     for (const auto& [message, launched] :
-         {std::pair<QString, bool>{"hello", true}, {"gg~bye", true}, {"hi", false}}) {
+         {std::pair<QString, bool>{"gg~bye", true}, {"hi", false}}) {
         SCOPED_TRACE(message.toStdString());
         Rig t;
         const QString line = "say " + message + "~";

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#ifdef STANDIN_BIN
-
 namespace {
 
 // The stand-in explains itself without a display, and refuses to run without an X display
@@ -30,5 +28,3 @@ TEST(RfdsStandinTest, ShowsItsUsageAndNeedsAnXDisplayToRun) {
 }
 
 } // namespace
-
-#endif

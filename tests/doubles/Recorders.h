@@ -7,8 +7,6 @@
 
 #include <QList>
 
-#include <random>
-
 class BeepRecorder : public Beeper {
 public:
     void Beep() override { ++beeps; }
@@ -21,19 +19,11 @@ public:
     int ended = 0;
 };
 
-// Seeded generator, so a test can replay the same choices; or a fixed script.
-class SeededRandom : public RandomSource {
+// Draws the numbers of its script, then 0.
+class ScriptedRandom : public RandomSource {
 public:
-    explicit SeededRandom(unsigned seed = 1) : engine_(seed) {}
-    double Next() override {
-        if (!script.isEmpty())
-            return script.takeFirst();
-        return std::uniform_real_distribution<double>(0.0, 1.0)(engine_);
-    }
+    double Next() override { return script.isEmpty() ? 0.0 : script.takeFirst(); }
     QList<double> script;
-
-private:
-    std::mt19937 engine_;
 };
 
 // A clock that moves only when told.

@@ -17,7 +17,7 @@ struct TestServices {
     ScriptedMessageBoxes messages;
     BeepRecorder beeper;
     EndRecorder end;
-    SeededRandom random;
+    ScriptedRandom random;
     RecordingLauncher launcher;
     FakeWindowServices windows;
     RecordingKeyboard keyboard;

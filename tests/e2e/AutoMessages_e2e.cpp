@@ -24,9 +24,8 @@ const QStringList kBatch = {"say hello one", "say third box"};
 constexpr int kSecondMs = 20, kIntervalMs = 180 * kSecondMs;
 constexpr auto kInterval = std::chrono::milliseconds(kIntervalMs);
 
-// How far one typed character may land from the text rate: the typist's timer keeps within 5 %
-// of its interval, and the server stamps each key when its event loop gets to it. 15 ms still
-// tells 50 ms from 110 ms, or one character per tick from two.
+// How far a key may land from the text rate: the timer keeps within 5 %, and the server stamps
+// keys when its event loop gets to them. 15 ms still tells 50 ms from 110, or one key from two.
 constexpr qint64 kKeyJitterMs = 15;
 
 class TextRate : public Journey, public testing::WithParamInterface<int> {};
@@ -44,8 +43,6 @@ TEST_P(TextRate, BatchesArriveEveryIntervalInBoxOrderAtTheTextRate) {
     EXPECT_GE(Clock::now() - launched, kInterval * 95 / 100);
     ASSERT_TRUE(WaitForTranscript(4, 30s)) << Transcript().join(" | ");
     EXPECT_EQ(Transcript(), kBatch + kBatch);
-
-    EXPECT_EQ(KeyTexts().mid(0, 4), kBatch + kBatch);
     const auto lines = KeyLines();
     ASSERT_GE(lines.size(), 4u);
     for (std::size_t i = 0; i < 4; ++i) {
