@@ -5,6 +5,7 @@
 #include "platform/Services.h"
 #include "ui/automation/AutoMessageHandlers.h"
 #include "ui/automation/RateHandlers.h"
+#include "ui/maps/MapHandlers.h"
 #include "ui/server/LaunchHandlers.h"
 #include "ui/server/StartupHandlers.h"
 #include "ui/settings/ConfigFieldHandlers.h"
@@ -107,6 +108,11 @@ void Hostwarden::Connect() {
     });
     connect(ui->CMDLoad, &QAbstractButton::clicked, this, [w] { CMDLoad_Click(*w); });
     connect(ui->CMDSave, &QAbstractButton::clicked, this, [w] { CMDSave_Click(*w); });
+
+    connect(ui->CMDAddMap, &QAbstractButton::clicked, this, [w] { CMDAddMap_Click(*w); });
+    connect(ui->CMDRemoveMaps, &QAbstractButton::clicked, this, [w] { CMDRemoveMaps_Click(*w); });
+    connect(ui->CMDClearMaps, &QAbstractButton::clicked, this, [w] { CMDClearMaps_Click(*w); });
+    connect(ui->LSTMaps, &QListWidget::itemDoubleClicked, this, [w] { LSTMaps_DblClick(*w); });
 
     connect(ui->CHKGameTracker, &QAbstractButton::toggled, this, [w] { CHKGameTracker_Click(*w); });
     connect(ui->CHKPort, &QAbstractButton::toggled, this, [w] { CHKPort_Click(*w); });

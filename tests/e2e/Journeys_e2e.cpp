@@ -122,4 +122,86 @@ TEST_P(Launch, WritesTheOptionsStartsTheServerStoresAndExitClosesIt) {
 
 INSTANTIATE_TEST_SUITE_P(ListEntries, Launch, testing::Values("DEFAULT", "Default"));
 
+// Builds the rotation from the demo game's levels through "Select Maps", by keyboard: Home,
+// then for each pick ">" and Down. One pick more than the list holds picks its last level
+// twice, which shows where the list ends. Cancel drops the picks; OK appends them after the
+// rotation there was; the options text and the stored configuration follow.
+TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
+    Seed(LaterRun{});
+    QByteArray settings = Settings();
+    Seed(settings.replace("MapCount=0", "MapCount=1\nmap0=ctf05.rfl"));
+    hostwarden_ = StartHostwarden();
+    ASSERT_TRUE(main_ = desktop_.WaitFor(kMainTitle, 30s).value_or(0));
+
+    std::optional<WindowId> dialog;
+    const auto open = [&] {
+        ASSERT_TRUE(ClickMain("CMDAddMap"));
+        ASSERT_TRUE(dialog = desktop_.WaitFor("Select Maps")) << Windows();
+    };
+    const auto pick = [&](int count, const char* source = nullptr) {
+        if (source)
+            ASSERT_TRUE(Click(*dialog, "ShippedMaps", source));
+        // From a source button, Tab goes round to the list of available maps.
+        QStringList keys = {source ? "Tab" : "Home", "Home"};
+        for (int i = 0; i < count; ++i)
+            keys << "Tab"
+                 << "space"
+                 << "shift+Tab"
+                 << "Down";
+        ASSERT_TRUE(desktop_.Activate(*dialog) &&
+                    desktop_.Run("xdotool", QStringList{"key", "--delay", "20", "--"} + keys));
+    };
+    const auto close = [&](const char* button) {
+        ASSERT_TRUE(Click(*dialog, "ShippedMaps", button));
+        ASSERT_TRUE(desktop_.WaitGone(*dialog));
+    };
+    const auto numbered = [](const char* prefix, int last) {
+        QStringList levels;
+        for (int i = 1; i <= last; ++i)
+            levels << QStringLiteral("%1%2.rfl").arg(prefix).arg(i, 2, 10, QLatin1Char('0'));
+        return levels << levels.last();
+    };
+
+    ASSERT_NO_FATAL_FAILURE(open());
+    ASSERT_NO_FATAL_FAILURE(pick(3));
+    ASSERT_NO_FATAL_FAILURE(close("CMDCancel"));
+    ASSERT_NO_FATAL_FAILURE(open());
+    ASSERT_NO_FATAL_FAILURE(pick(8));
+    ASSERT_NO_FATAL_FAILURE(pick(4, "CMDCustom"));
+    ASSERT_NO_FATAL_FAILURE(close("CMDOK"));
+    ASSERT_TRUE(ClickMain("CMDLaunch"));
+    ASSERT_TRUE(desktop_.WaitFor(kServerTitle)) << Windows();
+    QByteArray maps;
+    for (const QString& level :
+         QStringList{"ctf05.rfl"} + numbered("ctf", 7) +
+             QStringList{"ctf_tower.rfl", "ctf_bridge.rfl", "ctf_canyon.rfl", "ctf_canyon.rfl"})
+        maps += "$Map:            \"" + level.toUtf8() + "\"\r\n";
+    const QByteArray written = ReadFile(GameFile("dedicated_server.txt"));
+    EXPECT_TRUE(written.endsWith("$Balance Teams:  True\r\n" + maps)) << written.toStdString();
+
+    // DM empties the rotation; its catalogue is the DM levels, the packs' in name order.
+    ASSERT_TRUE(ClickMain("OPTDM"));
+    ASSERT_NO_FATAL_FAILURE(open());
+    ASSERT_NO_FATAL_FAILURE(pick(21));
+    ASSERT_NO_FATAL_FAILURE(pick(6, "CMDCustom"));
+    ASSERT_NO_FATAL_FAILURE(close("CMDOK"));
+    ASSERT_TRUE(ClickMain("CMDSave"));
+    for (const auto& [title, keys] :
+         {std::pair{"Save Configuration", "alt+y"}, std::pair{"Configuration Saved", "Return"}}) {
+        const auto box = desktop_.WaitFor(title);
+        ASSERT_TRUE(box && Answer(*box, keys)) << title << "; windows: " << Windows();
+        ASSERT_TRUE(desktop_.WaitGone(*box));
+    }
+    const QStringList dm =
+        numbered("dm", 20) + QStringList{"dm_arena.rfl", "dm_warehouse.rfl", "dm_sewers.rfl",
+                                         "dm_arena.rfl", "dm_yard.rfl",      "dm_yard.rfl"};
+    const QStringList stored = Section("Default");
+    EXPECT_TRUE(stored.contains("mapcount=" + QString::number(dm.size()), Qt::CaseInsensitive))
+        << stored.join('\n');
+    for (int i = 0; i < dm.size(); ++i)
+        EXPECT_TRUE(stored.contains(QStringLiteral("map%1=%2").arg(i).arg(dm[i])))
+            << dm[i] << " missing from:\n"
+            << stored.join('\n');
+}
+
 } // namespace

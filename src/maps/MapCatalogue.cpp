@@ -1,0 +1,113 @@
+#include "maps/MapCatalogue.h"
+
+#include "maps/VppArchive.h"
+
+#include <QFile>
+
+#include <dirent.h>
+
+#include <algorithm>
+#include <cstring>
+#include <strings.h>
+
+namespace {
+
+// An open folder listing, closed when it goes.
+class Listing {
+public:
+    explicit Listing(const QString& folder)
+        : dir_(::opendir(QFile::encodeName(folder.isEmpty() ? QStringLiteral(".") : folder))) {}
+    ~Listing() {
+        if (dir_)
+            ::closedir(dir_);
+    }
+    Listing(const Listing&) = delete;
+    Listing& operator=(const Listing&) = delete;
+    const dirent* Next() { return dir_ ? ::readdir(dir_) : nullptr; }
+
+private:
+    DIR* dir_;
+};
+
+bool HasEnding(const char* name, std::size_t size, const QByteArray& ending) {
+    return size >= std::size_t(ending.size()) &&
+           ::strncasecmp(name + size - ending.size(), ending.constData(), ending.size()) == 0;
+}
+
+bool NameOrder(const QString& a, const QString& b) {
+    const int folded = a.compare(b, Qt::CaseInsensitive);
+    return folded != 0 ? folded < 0 : a < b;
+}
+
+} // namespace
+
+bool ReadLevels(const QString& archivePath, QStringList& candidates) {
+    const VppDirectory directory = ReadVppDirectory(archivePath);
+    for (const QString& name : directory.names)
+        if (name.endsWith(QLatin1String(".rfl")))
+            candidates.append(name.toLower());
+    return directory.ok;
+}
+
+QStringList FilterLevels(const QStringList& candidates, bool ctf) {
+    const QLatin1String prefix = ctf ? QLatin1String("ctf") : QLatin1String("dm");
+    QStringList levels;
+    for (const QString& level : candidates)
+        if (level.startsWith(prefix))
+            levels.append(level);
+    return levels;
+}
+
+QString FolderPath(const QString& folder) {
+    QString path = folder;
+    while (path.size() > 1 && path.endsWith(QLatin1Char('/')))
+        path.chop(1);
+    return path;
+}
+
+QString FindFolder(const QString& base, const QString& relative) {
+    QString found = FolderPath(base);
+    for (const QString& part : relative.split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
+        const QString parent = found;
+        const QString prefix = parent.endsWith(QLatin1Char('/')) ? parent : parent + '/';
+        found.clear();
+        const QByteArray wanted = QFile::encodeName(part);
+        QStringList matches;
+        Listing listing(parent);
+        while (const dirent* entry = listing.Next())
+            if (entry->d_type == DT_DIR || entry->d_type == DT_LNK || entry->d_type == DT_UNKNOWN)
+                if (::strcasecmp(entry->d_name, wanted.constData()) == 0)
+                    matches << QFile::decodeName(entry->d_name);
+        // The name as written wins over other spellings; among those, the first by name.
+        std::sort(matches.begin(), matches.end(), NameOrder);
+        if (matches.contains(part))
+            found = prefix + part;
+        else if (!matches.isEmpty())
+            found = prefix + matches.first();
+        if (found.isEmpty())
+            return {};
+    }
+    return found;
+}
+
+QStringList ListFiles(const QString& folder, const QString& pattern) {
+    const qsizetype star = pattern.indexOf(QLatin1Char('*'));
+    const QByteArray head = QFile::encodeName(star < 0 ? pattern : pattern.left(star));
+    const QByteArray tail = star < 0 ? QByteArray() : QFile::encodeName(pattern.mid(star + 1));
+    QStringList names;
+    Listing listing(folder);
+    while (const dirent* entry = listing.Next()) {
+        if (entry->d_type == DT_DIR)
+            continue;
+        const std::size_t size = std::strlen(entry->d_name);
+        const bool match =
+            star < 0 ? ::strcasecmp(entry->d_name, head.constData()) == 0
+                     : size >= std::size_t(head.size() + tail.size()) &&
+                           ::strncasecmp(entry->d_name, head.constData(), head.size()) == 0 &&
+                           HasEnding(entry->d_name, size, tail);
+        if (match)
+            names << QFile::decodeName(entry->d_name);
+    }
+    std::sort(names.begin(), names.end(), NameOrder);
+    return names;
+}
