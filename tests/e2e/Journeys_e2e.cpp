@@ -122,10 +122,10 @@ TEST_P(Launch, WritesTheOptionsStartsTheServerStoresAndExitClosesIt) {
 
 INSTANTIATE_TEST_SUITE_P(ListEntries, Launch, testing::Values("DEFAULT", "Default"));
 
-// Builds the rotation from the demo game's levels through "Select Maps", by keyboard: Home,
-// then for each pick ">" and Down. One pick more than the list holds picks its last level
-// twice, which shows where the list ends. Cancel drops the picks; OK appends them after the
-// rotation there was; the options text and the stored configuration follow.
+// Builds the rotation from the demo game's levels through "Select Maps", by keyboard: for
+// each pick ">" and Down. One pick more than the list holds picks its last level twice,
+// which shows where the list ends. Cancel drops the picks; OK appends them after the
+// rotation there was; the stored configuration and the options file follow.
 TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
     Seed(LaterRun{});
     QByteArray settings = Settings();
@@ -141,8 +141,9 @@ TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
     const auto pick = [&](int count, const char* source = nullptr) {
         if (source)
             ASSERT_TRUE(Click(*dialog, "ShippedMaps", source));
-        // From a source button, Tab goes round to the list of available maps.
-        QStringList keys = {source ? "Tab" : "Home", "Home"};
+        // From a source button, Tab goes round to the list of available maps. The list
+        // takes the focus without selecting its first entry; Down and Home select it.
+        QStringList keys = {source ? "Tab" : "Home", "Down", "Home"};
         for (int i = 0; i < count; ++i)
             keys << "Tab"
                  << "space"
@@ -162,28 +163,13 @@ TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
         return levels << levels.last();
     };
 
+    // CTF, the stock levels and then the CTF packs' in name order, after the rotation.
     ASSERT_NO_FATAL_FAILURE(open());
     ASSERT_NO_FATAL_FAILURE(pick(3));
     ASSERT_NO_FATAL_FAILURE(close("CMDCancel"));
     ASSERT_NO_FATAL_FAILURE(open());
     ASSERT_NO_FATAL_FAILURE(pick(8));
     ASSERT_NO_FATAL_FAILURE(pick(4, "CMDCustom"));
-    ASSERT_NO_FATAL_FAILURE(close("CMDOK"));
-    ASSERT_TRUE(ClickMain("CMDLaunch"));
-    ASSERT_TRUE(desktop_.WaitFor(kServerTitle)) << Windows();
-    QByteArray maps;
-    for (const QString& level :
-         QStringList{"ctf05.rfl"} + numbered("ctf", 7) +
-             QStringList{"ctf_tower.rfl", "ctf_bridge.rfl", "ctf_canyon.rfl", "ctf_canyon.rfl"})
-        maps += "$Map:            \"" + level.toUtf8() + "\"\r\n";
-    const QByteArray written = ReadFile(GameFile("dedicated_server.txt"));
-    EXPECT_TRUE(written.endsWith("$Balance Teams:  True\r\n" + maps)) << written.toStdString();
-
-    // DM empties the rotation; its catalogue is the DM levels, the packs' in name order.
-    ASSERT_TRUE(ClickMain("OPTDM"));
-    ASSERT_NO_FATAL_FAILURE(open());
-    ASSERT_NO_FATAL_FAILURE(pick(21));
-    ASSERT_NO_FATAL_FAILURE(pick(6, "CMDCustom"));
     ASSERT_NO_FATAL_FAILURE(close("CMDOK"));
     ASSERT_TRUE(ClickMain("CMDSave"));
     for (const auto& [title, keys] :
@@ -192,16 +178,31 @@ TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
         ASSERT_TRUE(box && Answer(*box, keys)) << title << "; windows: " << Windows();
         ASSERT_TRUE(desktop_.WaitGone(*box));
     }
-    const QStringList dm =
-        numbered("dm", 20) + QStringList{"dm_arena.rfl", "dm_warehouse.rfl", "dm_sewers.rfl",
-                                         "dm_arena.rfl", "dm_yard.rfl",      "dm_yard.rfl"};
+    const QStringList ctf =
+        QStringList{"ctf05.rfl"} + numbered("ctf", 7) +
+        QStringList{"ctf_tower.rfl", "ctf_bridge.rfl", "ctf_canyon.rfl", "ctf_canyon.rfl"};
     const QStringList stored = Section("Default");
-    EXPECT_TRUE(stored.contains("mapcount=" + QString::number(dm.size()), Qt::CaseInsensitive))
-        << stored.join('\n');
-    for (int i = 0; i < dm.size(); ++i)
-        EXPECT_TRUE(stored.contains(QStringLiteral("map%1=%2").arg(i).arg(dm[i])))
-            << dm[i] << " missing from:\n"
+    EXPECT_TRUE(stored.contains("mapcount=" + QString::number(ctf.size()))) << stored.join('\n');
+    for (int i = 0; i < ctf.size(); ++i)
+        EXPECT_TRUE(stored.contains(QStringLiteral("map%1=%2").arg(i).arg(ctf[i])))
+            << ctf[i] << " missing from:\n"
             << stored.join('\n');
+
+    // DM empties the rotation; its catalogue is the DM levels, then the DM packs'.
+    ASSERT_TRUE(ClickMain("OPTDM"));
+    ASSERT_NO_FATAL_FAILURE(open());
+    ASSERT_NO_FATAL_FAILURE(pick(21));
+    ASSERT_NO_FATAL_FAILURE(pick(6, "CMDCustom"));
+    ASSERT_NO_FATAL_FAILURE(close("CMDOK"));
+    ASSERT_TRUE(ClickMain("CMDLaunch"));
+    ASSERT_TRUE(desktop_.WaitFor(kServerTitle)) << Windows();
+    QByteArray maps;
+    for (const QString& level :
+         numbered("dm", 20) + QStringList{"dm_arena.rfl", "dm_warehouse.rfl", "dm_sewers.rfl",
+                                          "dm_arena.rfl", "dm_yard.rfl", "dm_yard.rfl"})
+        maps += "$Map:            \"" + level.toUtf8() + "\"\r\n";
+    const QByteArray written = ReadFile(GameFile("dedicated_server.txt"));
+    EXPECT_TRUE(written.endsWith("$Balance Teams:  True\r\n" + maps)) << written.toStdString();
 }
 
 } // namespace
