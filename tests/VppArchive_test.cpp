@@ -95,69 +95,52 @@ TEST(VppArchive, ReadsHandMadeAndBrokenArchives) {
 
 // A valid version-1 header bounds the directory by its file count; without one, reading
 // stops only at an empty entry or the end of the file, and takes whatever it finds there.
+// Only regular files are read: a folder or a pipe named like an archive is none.
 TEST(VppArchive, ValidHeaderBoundsTheDirectory) {
     QTemporaryDir dir;
-    const QString path = dir.filePath("pack.vpp");
-    const auto levels = [](int count) {
-        QList<VppEntry> entries;
-        for (int i = 0; i < count; ++i)
-            entries << VppEntry{QStringLiteral("dm%1.rfl").arg(i), "level data"};
-        return entries;
-    };
+    QList<VppEntry> levels;
+    QStringList names;
+    for (int i = 0; i < 32; ++i)
+        levels << VppEntry{names.emplace_back(QStringLiteral("dm%1.rfl").arg(i)), "level data"};
     const QByteArray stale = QByteArray("ctf99.rfl").leftJustified(kVppEntrySize, '\0');
-    const QByteArray full(kVppEntrySize, 'x');
     const struct {
         const char* what;
         int count;
         bool closed;
-        quint32 version;                 // 0: the header block zeroed
-        std::pair<int, QByteArray> poke; // bytes written over entry k
-        qsizetype cut;                   // bytes kept, -1 all
-        QStringList extra;               // names read after the levels
-        int levels;                      // levels read, -1 all
-        bool ok;
+        quint32 version; // 0: no header at all
+        QByteArray entry3;
+        qsizetype keep;
+        QStringList names;
+        bool ok = true;
     } rows[] = {
-        {"full last block", 32, false, 1, {}, -1, {}, -1, true},
-        {"full last block, no header", 32, false, 0, {}, -1, {"level data"}, -1, true},
-        {"stale tail", 3, true, 1, {3, stale}, -1, {}, -1, true},
-        {"stale tail, no header", 3, true, 0, {3, stale}, -1, {"ctf99.rfl"}, -1, true},
-        {"stale tail, version 2", 3, true, 2, {3, stale}, -1, {"ctf99.rfl"}, -1, true},
-        {"64 bytes without a 0", 2, true, 1, {1, full}, -1, {}, -1, true},
-        {"64 bytes without a 0, no header", 2, true, 0, {1, full}, -1, {}, -1, true},
-        {"truncated", 3, true, 1, {}, kVppBlock + 2 * 64 + 10, {}, 2, false},
-        {"header only", 3, true, 1, {}, kVppBlock, {}, 0, false},
+        {"full last block", 32, false, 1, {}, -1, names},
+        {"full last block, no header", 32, false, 0, {}, -1, names + QStringList{"level data"}},
+        {"stale tail", 3, true, 1, stale, -1, names.mid(0, 3)},
+        {"stale tail, version 2", 3, true, 2, stale, -1, names.mid(0, 3) << "ctf99.rfl"},
+        {"64 bytes without a 0", 4, true, 1, QByteArray(64, 'x'), -1,
+         names.mid(0, 3) << QString(64, 'x')},
+        {"truncated", 3, true, 1, {}, kVppBlock + 2 * 64 + 10, names.mid(0, 2), false},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        QByteArray bytes = BuildVppArchive(levels(row.count), row.closed);
-        if (row.version)
-            bytes.replace(4, 4, Word(row.version));
-        else
-            bytes.replace(0, kVppBlock, QByteArray(kVppBlock, '\0'));
-        if (!row.poke.second.isEmpty())
-            bytes.replace(kVppBlock + row.poke.first * kVppEntrySize, kVppEntrySize,
-                          row.poke.second);
-        QFile file(path);
+        QByteArray bytes = BuildVppArchive(levels.mid(0, row.count), row.closed);
+        bytes.replace(0, 8,
+                      row.version ? Word(kVppSignature) + Word(row.version) : Word(0) + Word(0));
+        if (!row.entry3.isEmpty())
+            bytes.replace(kVppBlock + 3 * kVppEntrySize, kVppEntrySize, row.entry3);
+        QFile file(dir.filePath("pack.vpp"));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(row.cut < 0 ? bytes : bytes.left(row.cut));
+        file.write(bytes.left(row.keep < 0 ? bytes.size() : row.keep));
         file.close();
-        QStringList names;
-        for (const VppEntry& entry : levels(row.count))
-            names << entry.name;
-        if (!row.poke.second.isEmpty() && row.poke.first < row.count)
-            names[row.poke.first] = QString(row.poke.second);
-        const VppDirectory read = ReadVppDirectory(path);
-        EXPECT_EQ(read.names, names.mid(0, row.levels) + row.extra);
+        const VppDirectory read = ReadVppDirectory(file.fileName());
+        EXPECT_EQ(read.names, row.names);
         EXPECT_EQ(read.ok, row.ok);
     }
-    // Only regular files are read: a folder or a pipe named like an archive is no archive.
     ASSERT_TRUE(QDir(dir.path()).mkdir("folder.vpp"));
     ASSERT_EQ(::mkfifo(QFile::encodeName(dir.filePath("pipe.vpp")).constData(), 0600), 0);
-    for (const char* name : {"folder.vpp", "pipe.vpp"}) {
-        const VppDirectory read = ReadVppDirectory(dir.filePath(name));
-        EXPECT_FALSE(read.ok) << name;
-        EXPECT_TRUE(read.names.isEmpty()) << name;
-    }
+    for (const char* name : {"folder.vpp", "pipe.vpp"})
+        EXPECT_EQ(ReadVppDirectory(dir.filePath(name)).error,
+                  "Cannot open " + dir.filePath(name) + ": not a file");
 }
 
 } // namespace
