@@ -65,24 +65,7 @@ qsizetype RoundUp(qsizetype size) {
     return (size + kVppBlock - 1) / kVppBlock * kVppBlock;
 }
 
-} // namespace
-
-VppDirectory ReadVppDirectory(const QString& archivePath) {
-    // Non-blocking, so a pipe that carries an archive's name cannot stall the reader.
-    const int fd =
-        ::open(QFile::encodeName(archivePath).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd < 0) {
-        VppDirectory result;
-        result.error = QStringLiteral("Cannot open %1: %2")
-                           .arg(archivePath, QString::fromLocal8Bit(std::strerror(errno)));
-        return result;
-    }
-    VppDirectory result = ReadVppDirectory(fd, archivePath);
-    ::close(fd);
-    return result;
-}
-
-VppDirectory ReadVppDirectory(int fd, const QString& archivePath) {
+VppDirectory ReadDirectory(int fd, const QString& archivePath) {
     VppDirectory result;
     struct stat info {};
     if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
@@ -121,6 +104,23 @@ VppDirectory ReadVppDirectory(int fd, const QString& archivePath) {
         }
     }
     result.ok = true;
+    return result;
+}
+
+} // namespace
+
+VppDirectory ReadVppDirectory(const QString& archivePath) {
+    // Non-blocking, so a pipe that carries an archive's name cannot stall the reader.
+    const int fd =
+        ::open(QFile::encodeName(archivePath).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        VppDirectory result;
+        result.error = QStringLiteral("Cannot open %1: %2")
+                           .arg(archivePath, QString::fromLocal8Bit(std::strerror(errno)));
+        return result;
+    }
+    VppDirectory result = ReadDirectory(fd, archivePath);
+    ::close(fd);
     return result;
 }
 

@@ -29,8 +29,6 @@ inline constexpr int kVppMaxEntries = 65536;
 // yield names taken from file data. Only regular files are read, never past the directory.
 // Never throws; a truncated or unreadable file gives the names read so far and ok = false.
 VppDirectory ReadVppDirectory(const QString& archivePath);
-// The same for a file already open for reading; `archivePath` only names it in errors.
-VppDirectory ReadVppDirectory(int fd, const QString& archivePath);
 
 struct VppEntry {
     QString name; // stored in the game's code page, cut to 59 bytes so a NUL ends it

@@ -124,15 +124,14 @@ INSTANTIATE_TEST_SUITE_P(ListEntries, Launch, testing::Values("DEFAULT", "Defaul
 
 // Builds the rotation through "Select Maps" by keyboard, ">" then Down for each pick: one pick
 // more than a list holds picks its last level twice, which shows where the list ends. Cancel
-// drops the picks, OK appends them after the rotation, and Launch writes them out.
+// drops the picks, OK appends them after the rotation, and Launch writes them out. The list
+// takes the focus without selecting an entry (Tab reaches it from "Custom Maps"); Down and
+// Home select the first.
 TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
     Seed(LaterRun{});
-    QByteArray settings = Settings();
-    Seed(settings.replace("MapCount=0", "MapCount=1\nmap0=ctf05.rfl"));
+    Seed(Settings().replace("MapCount=0", "MapCount=1\nmap0=ctf05.rfl"));
     hostwarden_ = StartHostwarden();
     ASSERT_TRUE(main_ = desktop_.WaitFor(kMainTitle, 30s).value_or(0));
-    // Tab goes round from "Custom Maps" to the list, which takes the focus without selecting
-    // an entry; Down and Home select the first.
     const auto select = [&](int stock, int custom, const char* close) {
         ASSERT_TRUE(desktop_.Activate(main_) && ClickMain("CMDAddMap"));
         const auto dialog = desktop_.WaitFor("Select Maps");
@@ -141,10 +140,7 @@ TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
             ASSERT_TRUE(!source || Click(*dialog, "ShippedMaps", "CMDCustom"));
             QStringList keys = {source ? "Tab" : "Home", "Down", "Home"};
             for (int i = 0; i < (source ? custom : stock); ++i)
-                keys << "Tab"
-                     << "space"
-                     << "shift+Tab"
-                     << "Down";
+                keys += QStringList{"Tab", "space", "shift+Tab", "Down"};
             ASSERT_TRUE(desktop_.Activate(*dialog) &&
                         desktop_.Run("xdotool", QStringList{"key", "--delay", "20", "--"} + keys));
         }
@@ -155,9 +151,8 @@ TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
         QByteArray maps = "$Balance Teams:  True\r\n";
         for (const QString& level : levels)
             maps += "$Map:            \"" + level.toUtf8() + "\"\r\n";
-        const QString file = GameFile("dedicated_server.txt");
-        EXPECT_TRUE(WaitUntil([&] { return ReadFile(file).endsWith(maps); }, 10s))
-            << ReadFile(file).toStdString();
+        const auto written = [&] { return ReadFile(GameFile("dedicated_server.txt")); };
+        EXPECT_TRUE(WaitUntil([&] { return written().endsWith(maps); }, 10s)) << written().data();
     };
     const auto numbered = [](const char* prefix, int last) {
         QStringList levels;
