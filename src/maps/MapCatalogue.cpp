@@ -39,19 +39,33 @@ bool NameOrder(const QString& a, const QString& b) {
     return folded != 0 ? folded < 0 : a < b;
 }
 
+// The name lower-cased; plain ASCII, as level names nearly always are, in one pass.
+QString LowerName(QByteArrayView name) {
+    QString lower(name.size(), Qt::Uninitialized);
+    auto* out = reinterpret_cast<char16_t*>(lower.data());
+    for (const char byte : name) {
+        if (byte & 0x80)
+            return FromVppName(name).toLower();
+        *out++ = char16_t(byte >= 'A' && byte <= 'Z' ? byte + ('a' - 'A') : byte);
+    }
+    return lower;
+}
+
 } // namespace
 
 bool ReadLevels(const QString& archivePath, QStringList& candidates) {
-    const VppDirectory directory = ReadVppDirectory(archivePath);
-    for (const QString& name : directory.names)
-        if (name.endsWith(QLatin1String(".rfl")))
-            candidates.append(name.toLower());
-    return directory.ok;
+    return VisitVppDirectory(archivePath,
+                             [&candidates](QByteArrayView name) {
+                                 if (name.endsWith(".rfl"))
+                                     candidates.append(LowerName(name));
+                             })
+        .ok;
 }
 
 QStringList FilterLevels(const QStringList& candidates, bool ctf) {
     const QLatin1String prefix = ctf ? QLatin1String("ctf") : QLatin1String("dm");
     QStringList levels;
+    levels.reserve(candidates.size());
     for (const QString& level : candidates)
         if (level.startsWith(prefix))
             levels.append(level);

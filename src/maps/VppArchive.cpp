@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <vector>
 
 namespace {
 
@@ -21,26 +20,15 @@ constexpr int kNameSize = 60;
 // Entries read with one call: enough for most packs' whole directory.
 constexpr qint64 kChunkEntries = 256;
 
-QString TrimBlanks(const QString& text) {
-    qsizetype first = 0;
-    qsizetype last = text.size();
-    while (first < last && text[first] == QLatin1Char(' '))
-        ++first;
-    while (last > first && text[last - 1] == QLatin1Char(' '))
-        --last;
-    return text.mid(first, last - first);
-}
-
-QString EntryName(const char* record) {
+// The record's bytes up to its first 0 byte, blanks trimmed.
+QByteArrayView EntryName(const char* record) {
     const auto* end = static_cast<const char*>(std::memchr(record, 0, kVppEntrySize));
-    const qsizetype size = end ? end - record : kVppEntrySize;
-    QString name(size, Qt::Uninitialized);
-    QChar* out = name.data();
-    for (qsizetype i = 0; i < size; ++i) {
-        const auto byte = static_cast<std::uint8_t>(record[i]);
-        out[i] = QChar(byte < 0x80 ? char16_t(byte) : char16_t(FromAnsi(byte)));
-    }
-    return TrimBlanks(name);
+    const char* last = end ? end : record + kVppEntrySize;
+    while (record < last && *record == ' ')
+        ++record;
+    while (last > record && last[-1] == ' ')
+        --last;
+    return QByteArrayView(record, last - record);
 }
 
 // Reads `size` bytes at `offset`, retrying short reads; the bytes read.
@@ -65,7 +53,7 @@ qsizetype RoundUp(qsizetype size) {
     return (size + kVppBlock - 1) / kVppBlock * kVppBlock;
 }
 
-VppDirectory ReadDirectory(int fd, const QString& archivePath) {
+VppDirectory VisitDirectory(int fd, const QString& archivePath, const VppVisitor& visit) {
     VppDirectory result;
     struct stat info {};
     if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
@@ -77,31 +65,39 @@ VppDirectory ReadDirectory(int fd, const QString& archivePath) {
         result.error = QStringLiteral("%1 ends before its directory").arg(archivePath);
         return result;
     }
+    // The header block and the first directory block come in one read; later reads take
+    // no more than the rest of the directory.
+    char buffer[kVppBlock + kChunkEntries * kVppEntrySize];
+    qint64 available = ReadAt(fd, buffer, std::min<qint64>(2 * kVppBlock, size), 0);
+    const auto* header = reinterpret_cast<const uchar*>(buffer);
     qint64 limit = kVppMaxEntries;
-    uchar header[12];
-    if (ReadAt(fd, reinterpret_cast<char*>(header), sizeof header, 0) == sizeof header &&
-        qFromLittleEndian<quint32>(header) == kVppSignature &&
+    if (available >= 12 && qFromLittleEndian<quint32>(header) == kVppSignature &&
         qFromLittleEndian<quint32>(header + 4) == 1)
         limit = std::min<qint64>(limit, qFromLittleEndian<quint32>(header + 8));
 
-    std::vector<char> chunk;
-    qint64 entry = 0;
-    while (entry < limit) {
-        const qint64 offset = kVppBlock + entry * kVppEntrySize;
-        const qint64 wanted = std::min(limit - entry, kChunkEntries) * kVppEntrySize;
-        chunk.resize(size_t(wanted));
-        const qint64 got = ReadAt(fd, chunk.data(), std::min(wanted, size - offset), offset);
-        for (qint64 at = 0; at + kVppEntrySize <= got; at += kVppEntrySize, ++entry) {
-            if (chunk[size_t(at)] == 0) {
+    const char* chunk = buffer + kVppBlock;
+    available -= kVppBlock;
+    qint64 offset = kVppBlock;
+    for (qint64 entry = 0; entry < limit;) {
+        qint64 at = 0;
+        for (; at + kVppEntrySize <= available && entry < limit; at += kVppEntrySize, ++entry) {
+            if (chunk[at] == 0) {
                 result.ok = true;
                 return result;
             }
-            result.names.append(EntryName(chunk.data() + at));
+            visit(EntryName(chunk + at));
         }
-        if (got < wanted) {
+        if (entry == limit)
+            break;
+        offset += at;
+        const qint64 wanted =
+            std::min(std::min(limit - entry, kChunkEntries) * kVppEntrySize, size - offset);
+        available = wanted < kVppEntrySize ? 0 : ReadAt(fd, buffer, wanted, offset);
+        if (available < kVppEntrySize) {
             result.error = QStringLiteral("%1 ends inside its directory").arg(archivePath);
             return result;
         }
+        chunk = buffer;
     }
     result.ok = true;
     return result;
@@ -109,7 +105,16 @@ VppDirectory ReadDirectory(int fd, const QString& archivePath) {
 
 } // namespace
 
-VppDirectory ReadVppDirectory(const QString& archivePath) {
+QString FromVppName(QByteArrayView name) {
+    // The code page is Latin-1 but for 0x80..0x9F.
+    QString text = QString::fromLatin1(name);
+    for (QChar& ch : text)
+        if (ch.unicode() >= 0x80 && ch.unicode() < 0xA0)
+            ch = QChar(char16_t(FromAnsi(std::uint8_t(ch.unicode()))));
+    return text;
+}
+
+VppDirectory VisitVppDirectory(const QString& archivePath, const VppVisitor& visit) {
     // Non-blocking, so a pipe that carries an archive's name cannot stall the reader.
     const int fd =
         ::open(QFile::encodeName(archivePath).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
@@ -119,8 +124,16 @@ VppDirectory ReadVppDirectory(const QString& archivePath) {
                            .arg(archivePath, QString::fromLocal8Bit(std::strerror(errno)));
         return result;
     }
-    VppDirectory result = ReadDirectory(fd, archivePath);
+    VppDirectory result = VisitDirectory(fd, archivePath, visit);
     ::close(fd);
+    return result;
+}
+
+VppDirectory ReadVppDirectory(const QString& archivePath) {
+    QStringList names;
+    VppDirectory result = VisitVppDirectory(
+        archivePath, [&names](QByteArrayView name) { names.append(FromVppName(name)); });
+    result.names = std::move(names);
     return result;
 }
 

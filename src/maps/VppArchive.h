@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QList>
 #include <QString>
 #include <QStringList>
+
+#include <functional>
 
 // The game's .vpp archive, version 1: a 2048-byte header block (signature, version,
 // file count, archive size as little-endian 32-bit words), the directory from byte
@@ -29,6 +32,13 @@ inline constexpr int kVppMaxEntries = 65536;
 // yield names taken from file data. Only regular files are read, never past the directory.
 // Never throws; a truncated or unreadable file gives the names read so far and ok = false.
 VppDirectory ReadVppDirectory(const QString& archivePath);
+
+// The same reading, handing each entry's name to `visit` as stored, blanks trimmed; the
+// result says how far it went and leaves its names empty.
+using VppVisitor = std::function<void(QByteArrayView name)>;
+VppDirectory VisitVppDirectory(const QString& archivePath, const VppVisitor& visit);
+// A stored name as text: the game's code page, Windows-1252.
+QString FromVppName(QByteArrayView name);
 
 struct VppEntry {
     QString name; // stored in the game's code page, cut to 59 bytes so a NUL ends it
