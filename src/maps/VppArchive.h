@@ -23,13 +23,14 @@ struct VppDirectory {
 inline constexpr quint32 kVppSignature = 0x51890ACE;
 inline constexpr int kVppBlock = 2048;
 inline constexpr int kVppEntrySize = 64;
-// No archive of the game holds more files; a directory is never read past this many entries.
+// A bound far above what the game's archives hold: no directory is read past it.
 inline constexpr int kVppMaxEntries = 65536;
 
 // Reads the entry names from byte 2048 on, 64 bytes an entry, up to an entry whose first
 // byte is 0 or the end of the file. A valid version-1 header also bounds the directory by
 // its file count, so a full last directory block or stale bytes after the last entry never
-// yield names taken from file data. Only regular files are read, never past the directory.
+// yield names taken from file data; only the header and directory blocks are read then.
+// Only regular files are read.
 // Never throws; a truncated or unreadable file gives the names read so far and ok = false.
 VppDirectory ReadVppDirectory(const QString& archivePath);
 
