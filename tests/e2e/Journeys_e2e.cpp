@@ -148,6 +148,8 @@ TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
     };
     const auto launchWrites = [&](QStringList levels) {
         ASSERT_TRUE(desktop_.Activate(main_) && ClickMain("CMDLaunch"));
+        // The server's window takes the focus when it comes, so it must be there before more keys.
+        ASSERT_TRUE(desktop_.WaitFor(kServerTitle)) << Windows();
         QByteArray maps = "$Balance Teams:  True\r\n";
         for (const QString& level : levels)
             maps += "$Map:            \"" + level.toUtf8() + "\"\r\n";
