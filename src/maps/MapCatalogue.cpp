@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstring>
 #include <strings.h>
+#include <vector>
 
 namespace {
 
@@ -108,7 +109,7 @@ QStringList ListFiles(const QString& folder, const QString& pattern) {
     const qsizetype star = pattern.indexOf(QLatin1Char('*'));
     const QByteArray head = QFile::encodeName(star < 0 ? pattern : pattern.left(star));
     const QByteArray tail = star < 0 ? QByteArray() : QFile::encodeName(pattern.mid(star + 1));
-    QStringList names;
+    std::vector<QByteArray> found;
     Listing listing(folder);
     while (const dirent* entry = listing.Next()) {
         if (entry->d_type == DT_DIR)
@@ -120,8 +121,16 @@ QStringList ListFiles(const QString& folder, const QString& pattern) {
                            ::strncasecmp(entry->d_name, head.constData(), head.size()) == 0 &&
                            HasEnding(entry->d_name, size, tail);
         if (match)
-            names << QFile::decodeName(entry->d_name);
+            found.emplace_back(entry->d_name, qsizetype(size));
     }
-    std::sort(names.begin(), names.end(), NameOrder);
+    // Sorted on the stored names, letter case aside and then by case.
+    std::sort(found.begin(), found.end(), [](const QByteArray& a, const QByteArray& b) {
+        const int folded = ::strcasecmp(a.constData(), b.constData());
+        return folded != 0 ? folded < 0 : a < b;
+    });
+    QStringList names;
+    names.reserve(qsizetype(found.size()));
+    for (const QByteArray& name : found)
+        names << QFile::decodeName(name);
     return names;
 }
