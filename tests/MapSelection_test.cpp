@@ -10,10 +10,9 @@
 
 #include <gtest/gtest.h>
 
-// Over a game directory copied from Windows, mixed case kept: a cut-short pack gives what it
-// holds up to the break, DM packs are not opened for CTF, TeamDM is offered the DM levels, and
-// a game without user_maps/multi none. A double-click picks, drops and removes; OK appends
-// after the rotation, and the count and the options text follow every edit.
+// Mixed-case folders: a cut-short pack gives what it holds, DM packs stay shut for CTF, TeamDM
+// gets the DM levels, no user_maps/multi gives none. Double-clicks pick, drop and remove; OK
+// appends after the rotation; the count and the options text follow every edit.
 TEST(MapSelection, CustomPacksPicksAndTheRotation) {
     QTemporaryDir dir;
     const auto write = [&](const QString& name, const QStringList& levels, qint64 keep = -1) {

@@ -122,11 +122,10 @@ TEST_P(Launch, WritesTheOptionsStartsTheServerStoresAndExitClosesIt) {
 
 INSTANTIATE_TEST_SUITE_P(ListEntries, Launch, testing::Values("DEFAULT", "Default"));
 
-// Builds the rotation through "Select Maps" by keyboard, ">" then Down for each pick: one pick
-// more than a list holds picks its last level twice, which shows where the list ends. Cancel
-// drops the picks, OK appends them after the rotation, and Launch writes them out. The list
-// takes the focus without selecting an entry (Tab reaches it from "Custom Maps"); Down and
-// Home select the first.
+// Builds the rotation through "Select Maps" by keyboard, ">" then Down a pick: one pick more
+// than a list holds picks its last level twice, showing where it ends. Cancel drops the picks,
+// OK appends them to the rotation, Launch writes it. The list takes the focus (Tab reaches it
+// from "Custom Maps") with nothing selected; Down and Home select the first entry.
 TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
     Seed(LaterRun{});
     Seed(Settings().replace("MapCount=0", "MapCount=1\nmap0=ctf05.rfl"));
