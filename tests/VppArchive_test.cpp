@@ -1,10 +1,13 @@
 #include "maps/VppArchive.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtEndian>
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -49,44 +52,62 @@ TEST(VppArchive, ReadsBackEveryName) {
     }
 }
 
-// A directory written record by record, as another tool might have left it: names are
-// trimmed and keep their case. A missing or cut-short archive gives the names it could read
-// and says why it stopped.
-TEST(VppArchive, ReadsHandMadeAndBrokenArchives) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("handmade.vpp");
-    QByteArray bytes(kVppBlock, '\x7f'); // a header block that is never looked at
+// The directory as far as it goes: from byte 2048, 64 bytes an entry, names trimmed and
+// kept in their case, up to an empty entry or the end of the file; under a valid version-1
+// header no further than its file count, so that a full last block or a stale entry after
+// the last never yields a name. Only regular files are read.
+TEST(VppArchive, ReadsTheDirectoryAsFarAsItGoes) {
+    QByteArray hand(kVppBlock, '\x7f'); // a header block that is no valid header
     for (const QByteArray& record :
          QList<QByteArray>{"  dm03.rfl  ", "CTF02.RFL", "My Level.rfl", "caf\xe9.rfl",
-                           QByteArray("ctf04.rfl\0junk", 14), QByteArray(64, '\0')})
-        bytes += record.leftJustified(kVppEntrySize, '\0');
-    const QStringList names = {"dm03.rfl", "CTF02.RFL", "My Level.rfl", "café.rfl", "ctf04.rfl"};
+                           QByteArray("ctf04.rfl\0junk", 14), QByteArray(64, 'x'), QByteArray()})
+        hand += record.leftJustified(kVppEntrySize, '\0');
+    const QStringList handNames = {"dm03.rfl", "CTF02.RFL", "My Level.rfl",
+                                   "café.rfl", "ctf04.rfl", QString(64, 'x')};
+    QList<VppEntry> levels;
+    QStringList names;
+    for (int i = 0; i < 32; ++i)
+        levels << VppEntry{names.emplace_back(QStringLiteral("dm%1.rfl").arg(i)), "level data"};
+    const QByteArray full = BuildVppArchive(levels, false); // the data right after the block
+    QByteArray stale = BuildVppArchive(levels.mid(0, 3));
+    stale.replace(kVppBlock + 3 * kVppEntrySize, 9, "ctf99.rfl");
+    const char *before = "%1 ends before its directory", *inside = "%1 ends inside its directory";
     const struct {
-        qsizetype keepBytes; // -1: no file at all
-        int names;
-        const char* error;
-    } rows[] = {{bytes.size(), 5, ""},
-                {-1, 0, "Cannot open %1: "},
-                {0, 0, "%1 ends before its directory"},
-                {1000, 0, "%1 ends before its directory"},
-                {2048, 0, "%1 ends before its directory"},
-                {2048 + 64 + 20, 1, "%1 ends inside its directory"},
-                {2048 + 5 * 64, 5, "%1 ends inside its directory"}};
+        const char* what;
+        QByteArray bytes;
+        QStringList names;
+        const char* error = "";
+    } rows[] = {
+        {"no header", hand, handNames},
+        {"0 bytes", {}, {}, before},
+        {"header only", hand.left(2048), {}, before},
+        {"cut in an entry", hand.left(2048 + 64 + 20), {"dm03.rfl"}, inside},
+        {"cut after 6 entries", hand.left(2048 + 6 * 64), handNames, inside},
+        {"full last block", full, names},
+        {"stale tail", stale, names.mid(0, 3)},
+        {"stale tail, version 2", stale.left(4) + Word(2) + stale.mid(8),
+         names.mid(0, 3) << "ctf99.rfl"},
+        {"cut under a header", stale.left(2048 + 2 * 64 + 10), names.mid(0, 2), inside},
+    };
+    QTemporaryDir dir;
+    const QString path = dir.filePath("pack.vpp");
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.keepBytes);
+        SCOPED_TRACE(row.what);
         QFile file(path);
-        file.remove();
-        if (row.keepBytes >= 0) {
-            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-            file.write(bytes.left(row.keepBytes));
-            file.close();
-        }
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(row.bytes);
+        file.close();
         const VppDirectory read = ReadVppDirectory(path);
+        EXPECT_EQ(read.names, row.names);
         EXPECT_EQ(read.ok, !*row.error);
-        EXPECT_EQ(read.ok, read.error.isEmpty());
-        const QString error = QString(row.error).replace("%1", path);
-        EXPECT_EQ(read.error.left(error.size()), error);
-        EXPECT_EQ(read.names, names.mid(0, row.names));
+        EXPECT_EQ(read.error, QString(row.error).replace("%1", path));
+    }
+    ASSERT_TRUE(QDir(dir.path()).mkdir("folder.vpp"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(dir.filePath("pipe.vpp")).constData(), 0600), 0);
+    for (const char* name : {"folder.vpp", "pipe.vpp", "missing.vpp"}) {
+        const VppDirectory read = ReadVppDirectory(dir.filePath(name));
+        EXPECT_TRUE(read.names.isEmpty() && !read.ok) << name;
+        EXPECT_TRUE(read.error.startsWith("Cannot open " + dir.filePath(name) + ": "));
     }
 }
 

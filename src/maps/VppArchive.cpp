@@ -4,72 +4,142 @@
 
 #include <QFile>
 #include <QSaveFile>
+#include <QtEndian>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
 
 namespace {
 
 constexpr int kNameSize = 60;
+// Entries read with one call: enough for most packs' whole directory.
+constexpr qint64 kChunkEntries = 256;
 
-QString TrimBlanks(const QString& text) {
-    qsizetype first = 0;
-    qsizetype last = text.size();
-    while (first < last && text[first] == QLatin1Char(' '))
-        ++first;
-    while (last > first && text[last - 1] == QLatin1Char(' '))
+// The record's bytes up to its first 0 byte, blanks trimmed.
+QByteArrayView EntryName(const char* record) {
+    const auto* end = static_cast<const char*>(std::memchr(record, 0, kVppEntrySize));
+    const char* last = end ? end : record + kVppEntrySize;
+    while (record < last && *record == ' ')
+        ++record;
+    while (last > record && last[-1] == ' ')
         --last;
-    return text.mid(first, last - first);
+    return QByteArrayView(record, last - record);
 }
 
-QString EntryName(const QByteArray& record) {
-    QString name;
-    for (const char byte : record) {
-        if (byte == 0)
+// Reads `size` bytes at `offset`, retrying short reads; the bytes read.
+qint64 ReadAt(int fd, char* into, qint64 size, qint64 offset) {
+    qint64 done = 0;
+    while (done < size) {
+        const ssize_t got = ::pread(fd, into + done, size_t(size - done), off_t(offset + done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
             break;
-        const char32_t ch = FromAnsi(static_cast<std::uint8_t>(byte));
-        name += QString::fromUcs4(&ch, 1);
+        done += got;
     }
-    return TrimBlanks(name);
+    return done;
 }
 
 void PutWord(QByteArray& out, qsizetype offset, quint32 value) {
-    for (int i = 0; i < 4; ++i)
-        out[offset + i] = static_cast<char>((value >> (8 * i)) & 0xFF);
+    qToLittleEndian(value, out.data() + offset);
 }
 
 qsizetype RoundUp(qsizetype size) {
     return (size + kVppBlock - 1) / kVppBlock * kVppBlock;
 }
 
-} // namespace
-
-VppDirectory ReadVppDirectory(const QString& archivePath) {
+VppDirectory VisitDirectory(int fd, const QString& archivePath, const VppVisitor& visit) {
     VppDirectory result;
-    QFile file(archivePath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        result.error = QStringLiteral("Cannot open %1: %2").arg(archivePath, file.errorString());
+    struct stat info {};
+    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        result.error = QStringLiteral("Cannot open %1: not a file").arg(archivePath);
         return result;
     }
-    if (!file.seek(kVppBlock) || file.size() <= kVppBlock) {
+    const qint64 size = info.st_size;
+    if (size <= kVppBlock) {
         result.error = QStringLiteral("%1 ends before its directory").arg(archivePath);
         return result;
     }
-    for (;;) {
-        const QByteArray record = file.read(kVppEntrySize);
-        if (record.size() < kVppEntrySize) {
+    // The header block and the first directory block come in one read; later reads take
+    // no more than the rest of the directory.
+    char buffer[kVppBlock + kChunkEntries * kVppEntrySize];
+    qint64 available = ReadAt(fd, buffer, std::min<qint64>(2 * kVppBlock, size), 0);
+    const auto* header = reinterpret_cast<const uchar*>(buffer);
+    qint64 limit = kVppMaxEntries;
+    if (available >= 12 && qFromLittleEndian<quint32>(header) == kVppSignature &&
+        qFromLittleEndian<quint32>(header + 4) == 1)
+        limit = std::min<qint64>(limit, qFromLittleEndian<quint32>(header + 8));
+
+    const char* chunk = buffer + kVppBlock;
+    available -= kVppBlock;
+    qint64 offset = kVppBlock;
+    for (qint64 entry = 0; entry < limit;) {
+        qint64 at = 0;
+        for (; at + kVppEntrySize <= available && entry < limit; at += kVppEntrySize, ++entry) {
+            if (chunk[at] == 0) {
+                result.ok = true;
+                return result;
+            }
+            visit(EntryName(chunk + at));
+        }
+        if (entry == limit)
+            break;
+        offset += at;
+        const qint64 wanted =
+            std::min(std::min(limit - entry, kChunkEntries) * kVppEntrySize, size - offset);
+        available = wanted < kVppEntrySize ? 0 : ReadAt(fd, buffer, wanted, offset);
+        if (available < kVppEntrySize) {
             result.error = QStringLiteral("%1 ends inside its directory").arg(archivePath);
             return result;
         }
-        if (record[0] == 0)
-            break;
-        result.names.append(EntryName(record));
+        chunk = buffer;
     }
     result.ok = true;
     return result;
 }
 
-QByteArray BuildVppArchive(const QList<VppEntry>& entries) {
-    // The directory always ends with an all-zero entry that closes it for readers that
-    // stop there, so a full block gets one more (also the only block of an empty archive).
-    const qsizetype directorySize = RoundUp((entries.size() + 1) * kVppEntrySize);
+} // namespace
+
+QString FromVppName(QByteArrayView name) {
+    // The code page is Latin-1 but for 0x80..0x9F.
+    QString text = QString::fromLatin1(name);
+    for (QChar& ch : text)
+        if (ch.unicode() >= 0x80 && ch.unicode() < 0xA0)
+            ch = QChar(char16_t(FromAnsi(std::uint8_t(ch.unicode()))));
+    return text;
+}
+
+VppDirectory VisitVppDirectory(const QString& archivePath, const VppVisitor& visit) {
+    // Non-blocking, so a pipe that carries an archive's name cannot stall the reader.
+    const int fd =
+        ::open(QFile::encodeName(archivePath).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) {
+        VppDirectory result;
+        result.error = QStringLiteral("Cannot open %1: %2")
+                           .arg(archivePath, QString::fromLocal8Bit(std::strerror(errno)));
+        return result;
+    }
+    VppDirectory result = VisitDirectory(fd, archivePath, visit);
+    ::close(fd);
+    return result;
+}
+
+VppDirectory ReadVppDirectory(const QString& archivePath) {
+    QStringList names;
+    VppDirectory result = VisitVppDirectory(
+        archivePath, [&names](QByteArrayView name) { names.append(FromVppName(name)); });
+    result.names = std::move(names);
+    return result;
+}
+
+QByteArray BuildVppArchive(const QList<VppEntry>& entries, bool closedDirectory) {
+    const qsizetype records = entries.size() + (closedDirectory ? 1 : 0);
+    const qsizetype directorySize = RoundUp(records * kVppEntrySize);
     qsizetype total = kVppBlock + directorySize;
     for (const VppEntry& entry : entries)
         total += RoundUp(entry.data.size());

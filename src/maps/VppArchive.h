@@ -1,14 +1,16 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QList>
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 // The game's .vpp archive, version 1: a 2048-byte header block (signature, version,
 // file count, archive size as little-endian 32-bit words), the directory from byte
-// 2048 (64-byte entries: NUL-padded 60-byte name, 32-bit size; 32 entries a block,
-// ended by an all-zero entry),
+// 2048 (64-byte entries: NUL-padded 60-byte name, 32-bit size; 32 entries a block),
 // then each file's data from a block boundary.
 
 // The directory as far as the reader got: names in stored order, blanks trimmed.
@@ -18,22 +20,36 @@ struct VppDirectory {
     QString error;   // why, for the operator, when not ok
 };
 
-// Reads the entry names from byte 2048 on, 64 bytes an entry, up to an entry whose
-// first byte is 0 or the end of the file. Never throws; a truncated or missing file
-// gives the names read so far and ok = false.
+inline constexpr quint32 kVppSignature = 0x51890ACE;
+inline constexpr int kVppBlock = 2048;
+inline constexpr int kVppEntrySize = 64;
+// A bound far above what the game's archives hold: no directory is read past it.
+inline constexpr int kVppMaxEntries = 65536;
+
+// Reads the entry names from byte 2048 on, 64 bytes an entry, up to an entry whose first
+// byte is 0 or the end of the file. A valid version-1 header also bounds the directory by
+// its file count, so a full last directory block or stale bytes after the last entry never
+// yield names taken from file data; only the header and directory blocks are read then.
+// Only regular files are read.
+// Never throws; a truncated or unreadable file gives the names read so far and ok = false.
 VppDirectory ReadVppDirectory(const QString& archivePath);
+
+// The same reading, handing each entry's name to `visit` as stored, blanks trimmed; the
+// result says how far it went and leaves its names empty.
+using VppVisitor = std::function<void(QByteArrayView name)>;
+VppDirectory VisitVppDirectory(const QString& archivePath, const VppVisitor& visit);
+// A stored name as text: the game's code page, Windows-1252.
+QString FromVppName(QByteArrayView name);
 
 struct VppEntry {
     QString name; // stored in the game's code page, cut to 59 bytes so a NUL ends it
     QByteArray data;
 };
 
-inline constexpr quint32 kVppSignature = 0x51890ACE;
-inline constexpr int kVppBlock = 2048;
-inline constexpr int kVppEntrySize = 64;
-
-// The complete archive holding `entries` in order.
-QByteArray BuildVppArchive(const QList<VppEntry>& entries);
+// The complete archive holding `entries` in order. A closed directory ends with an
+// all-zero entry, for readers that stop there; an open one fills its blocks with entries
+// only, so a multiple of 32 entries leaves no room for the closing entry.
+QByteArray BuildVppArchive(const QList<VppEntry>& entries, bool closedDirectory = true);
 
 // Writes BuildVppArchive(entries) to `archivePath`; on failure returns false and sets
 // `error` when given.

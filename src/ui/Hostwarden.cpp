@@ -6,6 +6,7 @@
 #include "platform/Services.h"
 #include "ui/automation/AutoMessageHandlers.h"
 #include "ui/automation/RateHandlers.h"
+#include "ui/maps/MapHandlers.h"
 #include "ui/server/LaunchHandlers.h"
 #include "ui/server/ModHandlers.h"
 #include "ui/server/StartupHandlers.h"
@@ -156,6 +157,11 @@ void Hostwarden::Connect() {
     connect(ui->CMDDelete, &QAbstractButton::clicked, this, [w] { CMDDelete_Click(*w); });
     connect(ui->CMDMod, &QAbstractButton::clicked, this, [w] { CMDMod_Click(*w); });
     connect(ui->CMDRemovemod, &QAbstractButton::clicked, this, [w] { CMDRemovemod_Click(*w); });
+
+    connect(ui->CMDAddMap, &QAbstractButton::clicked, this, [w] { CMDAddMap_Click(*w); });
+    connect(ui->CMDRemoveMaps, &QAbstractButton::clicked, this, [w] { CMDRemoveMaps_Click(*w); });
+    connect(ui->CMDClearMaps, &QAbstractButton::clicked, this, [w] { CMDClearMaps_Click(*w); });
+    connect(ui->LSTMaps, &QListWidget::itemDoubleClicked, this, [w] { LSTMaps_DblClick(*w); });
 
     connect(ui->CHKGameTracker, &QAbstractButton::toggled, this, [w] { CHKGameTracker_Click(*w); });
     connect(ui->CHKPort, &QAbstractButton::toggled, this, [w] { CHKPort_Click(*w); });

@@ -214,4 +214,56 @@ TEST_F(Journey, HandEditsAndASecondStartAreSurvived) {
     EXPECT_TRUE(desktop_.WaitFor(kMainTitle, 10s)) << "windows: " << Windows();
 }
 
+// Builds the rotation through "Select Maps" by keyboard, ">" then Down a pick: one pick more
+// than a list holds picks its last level twice, showing where it ends. Cancel drops the picks,
+// OK appends them to the rotation, Launch writes it. The list takes the focus (Tab reaches it
+// from "Custom Maps") with nothing selected; Down and Home select the first entry.
+TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
+    Seed(LaterRun{});
+    Seed(Settings().replace("MapCount=0", "MapCount=1\nmap0=ctf05.rfl"));
+    hostwarden_ = StartHostwarden();
+    ASSERT_TRUE(main_ = desktop_.WaitFor(kMainTitle, 30s).value_or(0));
+    const auto select = [&](int stock, int custom, const char* close) {
+        ASSERT_TRUE(desktop_.Activate(main_) && ClickMain("CMDAddMap"));
+        const auto dialog = desktop_.WaitFor("Select Maps");
+        ASSERT_TRUE(dialog) << Windows();
+        for (const int source : {0, 1}) {
+            ASSERT_TRUE(!source || Click(*dialog, "ShippedMaps", "CMDCustom"));
+            QStringList keys = {source ? "Tab" : "Home", "Down", "Home"};
+            for (int i = 0; i < (source ? custom : stock); ++i)
+                keys += QStringList{"Tab", "space", "shift+Tab", "Down"};
+            ASSERT_TRUE(desktop_.Activate(*dialog) &&
+                        desktop_.Run("xdotool", QStringList{"key", "--delay", "20", "--"} + keys));
+        }
+        ASSERT_TRUE(Click(*dialog, "ShippedMaps", close) && desktop_.WaitGone(*dialog));
+    };
+    const auto launchWrites = [&](QStringList levels) {
+        ASSERT_TRUE(desktop_.Activate(main_) && ClickMain("CMDLaunch"));
+        // The server's window takes the focus when it comes, so it must be there before more keys.
+        ASSERT_TRUE(desktop_.WaitFor(kServerTitle)) << Windows();
+        QByteArray maps = "$Balance Teams:  True\r\n";
+        for (const QString& level : levels)
+            maps += "$Map:            \"" + level.toUtf8() + "\"\r\n";
+        const auto written = [&] { return ReadFile(GameFile("dedicated_server.txt")); };
+        EXPECT_TRUE(WaitUntil([&] { return written().endsWith(maps); }, 10s)) << written().data();
+    };
+    const auto numbered = [](const char* prefix, int last) {
+        QStringList levels;
+        for (int i = 1; i <= last; ++i)
+            levels << QStringLiteral("%1%2.rfl").arg(prefix).arg(i, 2, 10, QLatin1Char('0'));
+        return levels << levels.last();
+    };
+
+    ASSERT_NO_FATAL_FAILURE(select(3, 1, "CMDCancel"));
+    ASSERT_NO_FATAL_FAILURE(select(8, 4, "CMDOK"));
+    launchWrites(
+        QStringList{"ctf05.rfl"} + numbered("ctf", 7) +
+        QStringList{"ctf_tower.rfl", "ctf_bridge.rfl", "ctf_canyon.rfl", "ctf_canyon.rfl"});
+    ASSERT_TRUE(desktop_.Activate(main_) && ClickMain("OPTDM")); // empties the rotation
+    ASSERT_NO_FATAL_FAILURE(select(21, 6, "CMDOK"));
+    launchWrites(numbered("dm", 20) + QStringList{"dm_arena.rfl", "dm_warehouse.rfl",
+                                                  "dm_sewers.rfl", "dm_arena.rfl", "dm_yard.rfl",
+                                                  "dm_yard.rfl"});
+}
+
 } // namespace

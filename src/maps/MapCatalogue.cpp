@@ -1,0 +1,136 @@
+#include "maps/MapCatalogue.h"
+
+#include "maps/VppArchive.h"
+
+#include <QFile>
+
+#include <dirent.h>
+
+#include <algorithm>
+#include <cstring>
+#include <strings.h>
+#include <vector>
+
+namespace {
+
+// An open folder listing, closed when it goes.
+class Listing {
+public:
+    explicit Listing(const QString& folder)
+        : dir_(::opendir(QFile::encodeName(folder.isEmpty() ? QStringLiteral(".") : folder))) {}
+    ~Listing() {
+        if (dir_)
+            ::closedir(dir_);
+    }
+    Listing(const Listing&) = delete;
+    Listing& operator=(const Listing&) = delete;
+    const dirent* Next() { return dir_ ? ::readdir(dir_) : nullptr; }
+
+private:
+    DIR* dir_;
+};
+
+bool HasEnding(const char* name, std::size_t size, const QByteArray& ending) {
+    return size >= std::size_t(ending.size()) &&
+           ::strncasecmp(name + size - ending.size(), ending.constData(), ending.size()) == 0;
+}
+
+bool NameOrder(const QString& a, const QString& b) {
+    const int folded = a.compare(b, Qt::CaseInsensitive);
+    return folded != 0 ? folded < 0 : a < b;
+}
+
+// The name lower-cased; plain ASCII, as level names nearly always are, in one pass.
+QString LowerName(QByteArrayView name) {
+    QString lower(name.size(), Qt::Uninitialized);
+    auto* out = reinterpret_cast<char16_t*>(lower.data());
+    for (const char byte : name) {
+        if (byte & 0x80)
+            return FromVppName(name).toLower();
+        *out++ = char16_t(byte >= 'A' && byte <= 'Z' ? byte + ('a' - 'A') : byte);
+    }
+    return lower;
+}
+
+} // namespace
+
+bool ReadLevels(const QString& archivePath, QStringList& candidates) {
+    return VisitVppDirectory(archivePath,
+                             [&candidates](QByteArrayView name) {
+                                 if (name.endsWith(".rfl"))
+                                     candidates.append(LowerName(name));
+                             })
+        .ok;
+}
+
+QStringList FilterLevels(const QStringList& candidates, bool ctf) {
+    const QLatin1String prefix = ctf ? QLatin1String("ctf") : QLatin1String("dm");
+    QStringList levels;
+    levels.reserve(candidates.size());
+    for (const QString& level : candidates)
+        if (level.startsWith(prefix))
+            levels.append(level);
+    return levels;
+}
+
+QString FolderPath(const QString& folder) {
+    QString path = folder;
+    while (path.size() > 1 && path.endsWith(QLatin1Char('/')))
+        path.chop(1);
+    return path;
+}
+
+QString FindFolder(const QString& base, const QString& relative) {
+    QString found = FolderPath(base);
+    for (const QString& part : relative.split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
+        const QString parent = found;
+        const QString prefix = parent.endsWith(QLatin1Char('/')) ? parent : parent + '/';
+        found.clear();
+        const QByteArray wanted = QFile::encodeName(part);
+        QStringList matches;
+        Listing listing(parent);
+        while (const dirent* entry = listing.Next())
+            if (entry->d_type == DT_DIR || entry->d_type == DT_LNK || entry->d_type == DT_UNKNOWN)
+                if (::strcasecmp(entry->d_name, wanted.constData()) == 0)
+                    matches << QFile::decodeName(entry->d_name);
+        // The name as written wins over other spellings; among those, the first by name.
+        std::sort(matches.begin(), matches.end(), NameOrder);
+        if (matches.contains(part))
+            found = prefix + part;
+        else if (!matches.isEmpty())
+            found = prefix + matches.first();
+        if (found.isEmpty())
+            return {};
+    }
+    return found;
+}
+
+QStringList ListFiles(const QString& folder, const QString& pattern) {
+    const qsizetype star = pattern.indexOf(QLatin1Char('*'));
+    const QByteArray head = QFile::encodeName(star < 0 ? pattern : pattern.left(star));
+    const QByteArray tail = star < 0 ? QByteArray() : QFile::encodeName(pattern.mid(star + 1));
+    std::vector<QByteArray> found;
+    Listing listing(folder);
+    while (const dirent* entry = listing.Next()) {
+        if (entry->d_type == DT_DIR)
+            continue;
+        const std::size_t size = std::strlen(entry->d_name);
+        const bool match =
+            star < 0 ? ::strcasecmp(entry->d_name, head.constData()) == 0
+                     : size >= std::size_t(head.size() + tail.size()) &&
+                           ::strncasecmp(entry->d_name, head.constData(), head.size()) == 0 &&
+                           HasEnding(entry->d_name, size, tail);
+        if (match)
+            found.emplace_back(entry->d_name, qsizetype(size));
+    }
+    // Sorted on the stored names, letter case aside and then by case.
+    std::sort(found.begin(), found.end(), [](const QByteArray& a, const QByteArray& b) {
+        const int folded = ::strcasecmp(a.constData(), b.constData());
+        return folded != 0 ? folded < 0 : a < b;
+    });
+    QStringList names;
+    names.reserve(qsizetype(found.size()));
+    for (const QByteArray& name : found)
+        names << QFile::decodeName(name);
+    return names;
+}
