@@ -286,6 +286,10 @@ TEST_F(AutoMessagesTest, WithoutADisplayTellsOnceAndNeitherRecoversNorKeepsQueue
     EXPECT_TRUE(boxes.shown.value(0).text.startsWith(texts::kNoDisplayStart));
     EXPECT_EQ(std::tuple(launches, beeper.beeps, pushed.size(), am.ServerHandle()),
               std::tuple(0, 0, 0, 42u));
+    // A server that finds no display ends at once: the same reason, not told again.
+    am.WatchServer(process);
+    am.ServerExited({process, "RF.EXE", 2, false, "RF.EXE: no X display"});
+    EXPECT_EQ(std::tuple(boxes.shown.size(), launches, am.ServerHandle()), std::tuple(1, 0, 0u));
 }
 
 // The character waits, without recovery, while one of our own message boxes is open, and

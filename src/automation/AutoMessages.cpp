@@ -209,6 +209,14 @@ void AutoMessages::ServerExited(const ProgramExit& exit) {
 }
 
 void AutoMessages::Recover(const ProgramExit* exit) {
+    if (!windows_.HasDisplay()) {
+        // A server without a display to open its window on ends at once; relaunching it
+        // cannot help, and the reason is the one the operator needs to hear.
+        ServerHandle_ = 0;
+        watched_ = 0;
+        StopWithoutDisplay();
+        return;
+    }
     const bool failedStart =
         exit && !exit->signalled && exit->status != 0 && clock_.NowMs() - launchedAtMs_ < kFailedStartMs;
     SendPos_ = 0;

@@ -30,11 +30,6 @@ private:
     DIR* dir_;
 };
 
-bool HasEnding(const char* name, std::size_t size, const QByteArray& ending) {
-    return size >= std::size_t(ending.size()) &&
-           ::strncasecmp(name + size - ending.size(), ending.constData(), ending.size()) == 0;
-}
-
 bool NameOrder(const QString& a, const QString& b) {
     const int folded = a.compare(b, Qt::CaseInsensitive);
     return folded != 0 ? folded < 0 : a < b;
@@ -103,34 +98,4 @@ QString FindFolder(const QString& base, const QString& relative) {
             return {};
     }
     return found;
-}
-
-QStringList ListFiles(const QString& folder, const QString& pattern) {
-    const qsizetype star = pattern.indexOf(QLatin1Char('*'));
-    const QByteArray head = QFile::encodeName(star < 0 ? pattern : pattern.left(star));
-    const QByteArray tail = star < 0 ? QByteArray() : QFile::encodeName(pattern.mid(star + 1));
-    std::vector<QByteArray> found;
-    Listing listing(folder);
-    while (const dirent* entry = listing.Next()) {
-        if (entry->d_type == DT_DIR)
-            continue;
-        const std::size_t size = std::strlen(entry->d_name);
-        const bool match =
-            star < 0 ? ::strcasecmp(entry->d_name, head.constData()) == 0
-                     : size >= std::size_t(head.size() + tail.size()) &&
-                           ::strncasecmp(entry->d_name, head.constData(), head.size()) == 0 &&
-                           HasEnding(entry->d_name, size, tail);
-        if (match)
-            found.emplace_back(entry->d_name, qsizetype(size));
-    }
-    // Sorted on the stored names, letter case aside and then by case.
-    std::sort(found.begin(), found.end(), [](const QByteArray& a, const QByteArray& b) {
-        const int folded = ::strcasecmp(a.constData(), b.constData());
-        return folded != 0 ? folded < 0 : a < b;
-    });
-    QStringList names;
-    names.reserve(qsizetype(found.size()));
-    for (const QByteArray& name : found)
-        names << QFile::decodeName(name);
-    return names;
 }

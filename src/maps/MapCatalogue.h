@@ -27,7 +27,3 @@ QString FolderPath(const QString& folder);
 // The folder `relative` (separated by '/') under `base`, each part matched without regard
 // to case; empty when there is none.
 QString FindFolder(const QString& base, const QString& relative);
-
-// Names of the files in `folder` that match `pattern` ("name", "prefix*suffix") without
-// regard to case, sorted by name; none when the folder cannot be listed.
-QStringList ListFiles(const QString& folder, const QString& pattern);

@@ -1,6 +1,7 @@
 #include "ui/maps/MapHandlers.h"
 
 #include "maps/MapCatalogue.h"
+#include "platform/FolderList.h"
 #include "server/AppState.h"
 #include "ui/DialogProtocol.h"
 #include "ui/Hostwarden.h"
