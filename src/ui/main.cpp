@@ -1,6 +1,7 @@
 #include "platform/Services.h"
 #include "platform/posix/PosixProcessLauncher.h"
 #include "platform/posix/SteadyClock.h"
+#include "platform/qt/CoverageCounters.h"
 #include "platform/qt/QtMessageBoxes.h"
 #include "platform/qt/QtServices.h"
 #include "platform/qt/SingleInstance.h"
@@ -44,6 +45,7 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
+    WriteCoverageCountersOnTerminate();
     const WindowSystemChoice windowSystem;
     QApplication application(argc, argv);
     windowSystem.Forget();

@@ -1,5 +1,7 @@
 #include "platform/qt/QtServices.h"
 
+#include "platform/qt/CoverageCounters.h"
+
 #include <QApplication>
 #include <QRandomGenerator>
 
@@ -12,6 +14,7 @@ void QtBeeper::Beep() {
 
 void ImmediateEnd::EndNow() {
     std::fflush(nullptr);
+    WriteCoverageCounters();
     _exit(0);
 }
 
