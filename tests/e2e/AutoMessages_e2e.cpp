@@ -114,7 +114,9 @@ TEST_P(Recovery, AServerThatDiedIsStartedAgainAndTheMessagesGoOn) {
     Process decoy("xterm", {"-T", kDecoyTitle}, desktop_.Environment());
     ASSERT_TRUE(desktop_.WaitFor(kDecoyTitle));
     ASSERT_EQ(::kill(StartedPids().front(), SIGKILL), 0); // as a crash would
-    ASSERT_TRUE(desktop_.WaitGone(*server));
+    // Relaunched at once, the new console may get the old window's id back.
+    if (!recover)
+        ASSERT_TRUE(desktop_.WaitGone(*server));
 
     // Noticed at once, when the process ends; at the latest at the next batch's first key.
     if (!recover) {
