@@ -2,8 +2,8 @@
 // I/O floor: listing the folder and reading each pack's header and directory blocks, nothing
 // more. The packs are sparse 1 MiB files, so reading any archive whole would show.
 #include "maps/MapCatalogue.h"
-#include "platform/FolderList.h"
 #include "maps/VppArchive.h"
+#include "platform/FolderList.h"
 
 #include <QDir>
 #include <QFile>

@@ -3,8 +3,8 @@
 #include "automation/AutoMessageHost.h"
 #include "automation/KeySender.h"
 #include "automation/Module2.h"
-#include "platform/Ansi.h"
 #include "automation/WatchMessages.h"
+#include "platform/Ansi.h"
 #include "platform/Beeper.h"
 #include "platform/Clock.h"
 #include "platform/MessageBoxes.h"
@@ -217,8 +217,8 @@ void AutoMessages::Recover(const ProgramExit* exit) {
         StopWithoutDisplay();
         return;
     }
-    const bool failedStart =
-        exit && !exit->signalled && exit->status != 0 && clock_.NowMs() - launchedAtMs_ < kFailedStartMs;
+    const bool failedStart = exit && !exit->signalled && exit->status != 0 &&
+                             clock_.NowMs() - launchedAtMs_ < kFailedStartMs;
     SendPos_ = 0;
     SetTMRAddsEnabled(false);
     SetTMRSendEnabled(false);
