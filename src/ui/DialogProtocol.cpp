@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
+#include <QWindow>
 
 void PrepareDialog(QWidget* dialog) {
     // A dialog-type window stays a dialog: it belongs to the window under it and has no
@@ -19,8 +20,17 @@ void OpenDialog(QWidget* owner, QWidget* dialog, StartPosition position) {
         area = owner->frameGeometry();
     else if (position == StartPosition::CentreScreen && QGuiApplication::primaryScreen())
         area = QGuiApplication::primaryScreen()->availableGeometry();
+    // move() places the frame: its middle, not the client area's, goes to the middle, as
+    // far as the window system tells the frame before the window shows.
+    dialog->winId();
+    const QRect frame = dialog->frameGeometry();
     if (area.isValid())
-        dialog->move(area.center() - dialog->rect().center());
+        dialog->move(area.center() - (frame.center() - frame.topLeft()));
+    // A dialog-type window is not the owner's child (a disabled owner would disable it
+    // too); the window system still learns whose it is.
+    if (dialog->windowType() == Qt::Dialog && owner) {
+        dialog->windowHandle()->setTransientParent(owner->window()->windowHandle());
+    }
     dialog->show();
     if (owner)
         owner->setEnabled(false);

@@ -9,6 +9,7 @@
 #include "ui/server/LaunchHandlers.h"
 #include "ui/server/ModHandlers.h"
 #include "ui/server/StartupHandlers.h"
+#include "ui/settings/AboutHandlers.h"
 #include "ui/settings/ConfigFieldHandlers.h"
 #include "ui/settings/ConfigHandlers.h"
 #include "ui/settings/ConfigListHandlers.h"
@@ -153,6 +154,7 @@ void Hostwarden::Connect() {
     connect(ui->CMDMin, &QAbstractButton::clicked, this, [w] { CMDMin_Click(*w); });
     connect(ui->CMDTextRate, &QAbstractButton::clicked, this, [w] { CMDTextRate_Click(*w); });
     connect(ui->CMDMsgRate, &QAbstractButton::clicked, this, [w] { CMDMsgRate_Click(*w); });
+    connect(ui->CMDAbout, &QAbstractButton::clicked, this, [w] { CMDAbout_Click(*w); });
 
     connect(ui->CHKMessage, &QAbstractButton::toggled, this,
             [w](bool checked) { w->automation_->CHKMessage_Click(checked); });
