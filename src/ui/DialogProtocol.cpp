@@ -26,11 +26,11 @@ void OpenDialog(QWidget* owner, QWidget* dialog, StartPosition position) {
     const QRect frame = dialog->frameGeometry();
     if (area.isValid())
         dialog->move(area.center() - (frame.center() - frame.topLeft()));
-    // A dialog-type window is not the owner's child (a disabled owner would disable it
-    // too); the window system still learns whose it is.
-    if (dialog->windowType() == Qt::Dialog && owner) {
+    // The dialog is not the owner's child (a disabled owner would disable it too), but the
+    // window system learns whose it is and keeps it above the owner, even when a click on
+    // the disabled owner raises that.
+    if (owner)
         dialog->windowHandle()->setTransientParent(owner->window()->windowHandle());
-    }
     dialog->show();
     if (owner)
         owner->setEnabled(false);
