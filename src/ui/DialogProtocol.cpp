@@ -27,8 +27,7 @@ void OpenDialog(QWidget* owner, QWidget* dialog, StartPosition position) {
     if (area.isValid())
         dialog->move(area.center() - (frame.center() - frame.topLeft()));
     // The dialog is not the owner's child (a disabled owner would disable it too), but the
-    // window system learns whose it is and keeps it above the owner, even when a click on
-    // the disabled owner raises that.
+    // window system learns whose it is: a dialog-type window stays above its owner.
     if (owner)
         dialog->windowHandle()->setTransientParent(owner->window()->windowHandle());
     dialog->show();

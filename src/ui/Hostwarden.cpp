@@ -4,6 +4,7 @@
 #include "automation/ModPushKeys.h"
 #include "platform/ProcessLauncher.h"
 #include "platform/Services.h"
+#include "ui/WindowRegistry.h"
 #include "ui/automation/AutoMessageHandlers.h"
 #include "ui/automation/RateHandlers.h"
 #include "ui/server/LaunchHandlers.h"
@@ -177,6 +178,19 @@ bool Hostwarden::eventFilter(QObject* watched, QEvent* event) {
         return true;
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void Hostwarden::changeEvent(QEvent* event) {
+    // A click on the disabled window may raise it over the open dialog; the dialog comes
+    // forward again and keeps the input.
+    if (event->type() == QEvent::ActivationChange && !isEnabled() && isActiveWindow())
+        for (QWidget* dialog : {forms.About, forms.ShippedMaps, forms.Mods, forms.NewConf,
+                                forms.CopyConfig, forms.Text_Rate, forms.MsgRate})
+            if (dialog) {
+                dialog->raise();
+                dialog->activateWindow();
+            }
+    QWidget::changeEvent(event);
 }
 
 void Hostwarden::closeEvent(QCloseEvent* event) {
