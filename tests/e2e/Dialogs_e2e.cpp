@@ -69,8 +69,9 @@ TEST_F(Journey, EveryWindowPictured) {
     const auto warning = desktop_.WaitFor("Warning");
     ASSERT_TRUE(warning && Answer(*warning, "Return"));
     const auto setup = desktop_.WaitFor("Setup");
-    ASSERT_TRUE(setup && Click(*setup, "Setup", "CMDBrowse"));
+    ASSERT_TRUE(setup);
     Shoot(desktop_, *setup, "Setup");
+    ASSERT_TRUE(Click(*setup, "Setup", "CMDBrowse"));
     const auto browse = desktop_.WaitFor("Browse");
     ASSERT_TRUE(browse);
     Shoot(desktop_, *browse, "Browse");
