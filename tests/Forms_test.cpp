@@ -130,52 +130,38 @@ QStringList captionsCutOff(QWidget* window) {
     return faults;
 }
 
-// Each dialog as its opener leaves it: frame, caption, client size, first focus, then every
-// control as "name kind caption x,y,w,h flags".
+// Each dialog as its opener leaves it: caption, client size, a dialog-type window, title-bar
+// buttons, first focus, then every control as "name kind 'caption' x,y,w,h flags".
 QString Describe(QWidget* d) {
-    const Qt::WindowFlags titleButtons = Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint |
-                                         Qt::WindowMinMaxButtonsHint |
-                                         Qt::WindowContextHelpButtonHint;
-    QStringList out = {d->windowTitle(), QStringLiteral("%1x%2").arg(d->width()).arg(d->height())};
-    if (d->windowType() == Qt::Dialog)
-        out << "dialog";
-    if (d->minimumSize() != d->maximumSize() || (d->windowFlags() & titleButtons) ||
-        !d->windowFlags().testFlags(Qt::CustomizeWindowHint | Qt::WindowTitleHint))
-        out << "NOT-FIXED";
-    out << "focus=" +
-               (QApplication::focusWidget() ? QApplication::focusWidget()->objectName() : "");
+    const auto flags = d->windowFlags();
+    const bool buttons =
+        (flags & ~Qt::WindowType_Mask) != (Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+    QStringList out = {d->windowTitle(), QString::asprintf("%dx%d", d->width(), d->height()),
+                       d->windowType() == Qt::Dialog ? "dialog" : "", buttons ? "BUTTONS" : "",
+                       "focus=" + QApplication::focusWidget()->objectName()};
     for (QWidget* c : d->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
-        QString text = c->property("text").toString(), kind = c->metaObject()->className();
-        if (text.size() > 28)
-            text = text.left(12) + "…" + text.right(12);
+        const QString text = c->property("text").toString(), tip = c->toolTip();
         const QRect g = c->geometry();
-        out << "|" << c->objectName() << kind.mid(1).toLower()
-            << (text.isEmpty() ? "" : "'" + text + "'")
-            << QStringLiteral("%1,%2,%3,%4").arg(g.x()).arg(g.y()).arg(g.width()).arg(g.height());
-        const auto flag = [&](bool on, const QString& name) {
-            if (on)
-                out << name;
-        };
-        flag(c->isHidden(), "hidden");
-        flag(!c->isEnabled(), "off");
-        flag(c->property("readOnly").toBool(), "ro");
-        flag(c->property("maxLength").toInt() && c->property("maxLength").toInt() < 32767,
-             "max" + c->property("maxLength").toString());
-        flag(c->property("wordWrap").toBool(), "wraps");
-        flag(!c->toolTip().isEmpty(), "tip=" + c->toolTip());
-        flag(c->property("pattern").isValid(), "pattern=" + c->property("pattern").toString());
-        flag(c->property("verticalScrollBarPolicy").toInt() == Qt::ScrollBarAlwaysOn, "scroll");
+        const int max = c->property("maxLength").toInt();
+        out << "|" + c->objectName() << QString(c->metaObject()->className()).mid(1).toLower()
+            << (text.isEmpty()
+                    ? ""
+                    : "'" + (text.size() > 28 ? text.left(12) + "…" + text.right(12) : text) + "'")
+            << QString::asprintf("%d,%d,%d,%d", g.x(), g.y(), g.width(), g.height())
+            << (c->isHidden() ? "hidden" : "") << (c->isEnabled() ? "" : "off")
+            << (c->property("readOnly").toBool() ? "ro" : "")
+            << (max && max < 32767 ? "max" + QString::number(max) : "")
+            << (c->property("wordWrap").toBool() ? "wraps" : "")
+            << (tip.isEmpty() ? "" : "tip=" + tip)
+            << (c->property("pattern").isValid() ? "pattern=" + c->property("pattern").toString()
+                                                 : "")
+            << (c->property("verticalScrollBarPolicy").toInt() == Qt::ScrollBarAlwaysOn ? "scroll"
+                                                                                        : "");
         if (auto* s = qobject_cast<QSlider*>(c))
-            out << QStringLiteral("%1-%2/%3/%4/%5")
-                       .arg(s->minimum())
-                       .arg(s->maximum())
-                       .arg(s->singleStep())
-                       .arg(s->pageStep())
-                       .arg(s->tickInterval());
-        auto* b = qobject_cast<QPushButton*>(c);
-        flag(b && (b->isDefault() || b->autoDefault()), "default");
+            out << QString::asprintf("%d-%d/%d/%d/%d", s->minimum(), s->maximum(), s->singleStep(),
+                                     s->pageStep(), s->tickInterval());
     }
-    return out.join(' ').replace(" | ", " |").simplified();
+    return out.join(' ').simplified();
 }
 
 TEST(Forms, WhatTheOperatorSeesInEveryWindow) {

@@ -6,34 +6,42 @@ using namespace e2e;
 
 namespace {
 
-// The window with its frame, so the title shows too.
-void Shoot(const Desktop& desktop, WindowId window, const QString& name) {
-    desktop.Run("import", {"-frame", "-window", QString::number(window),
-                           "png:" + ArtifactPath("window-" + name + ".png")});
-}
-
 // About opens over a main window that takes no input; its text is the 27 lines; OK hands the
 // input back. "Fix Reg" answered No changes nothing; Yes empties the settings and ends the
-// program, whose next start is a first run.
-TEST_F(Journey, AboutAndFixReg) {
+// program, whose next start is a first run. Each window on the way is left, with its frame,
+// in e2e-artifacts/window-<form>.png.
+TEST_F(Journey, AboutFixRegAndEveryWindowPictured) {
+    const auto shoot = [&](WindowId window, const QString& form) {
+        desktop_.Run("import", {"-frame", "-window", QString::number(window),
+                                "png:" + ArtifactPath("window-" + form + ".png")});
+    };
     StartMain();
     const QByteArray seeded = Settings();
-    ASSERT_TRUE(ClickMain("CMDAbout"));
-    auto about = desktop_.WaitFor("About-Help");
-    ASSERT_TRUE(about) << Windows();
+    shoot(main_, "Hostwarden");
+    const struct {
+        const char *opener, *title, *form, *closer;
+    } dialogs[] = {{"CMDMod", "Select a mod from the list", "Mods", "CMDCancel"},
+                   {"CMDNew", "Name?", "NewConf", "CMDCancel"},
+                   {"CMDCopy", "Copy DEFAULT to:", "CopyConfig", "CMDCancel"},
+                   {"CMDTextRate", "Set Text Rate", "Text_Rate", "Command2"},
+                   {"CMDMsgRate", "Message Rate", "MsgRate", "CMDCancel"},
+                   {"CMDAbout", "About-Help", "About", "CMDOK"}};
+    for (const auto& d : dialogs) {
+        ASSERT_TRUE(ClickMain(d.opener));
+        const auto window = desktop_.WaitFor(d.title);
+        ASSERT_TRUE(window) << d.title << " missing; windows: " << Windows();
+        shoot(*window, d.form);
+        if (d.form != QLatin1String("About"))
+            ASSERT_TRUE(Click(*window, d.form, d.closer) && desktop_.WaitGone(*window));
+    }
+    auto about = desktop_.Find("About-Help");
     ASSERT_TRUE(ClickMain("CMDExit"));
     EXPECT_FALSE(desktop_.WaitFor(kExitTitle, 1s)) << "the main window took a click";
     ASSERT_TRUE(Click(*about, "About", "Text1") && desktop_.Key("ctrl+a") &&
                 desktop_.Key("ctrl+c"));
     QStringList lines;
-    WaitUntil(
-        [&] {
-            return (lines = desktop_.Run("xclip", {"-o", "-selection", "clipboard"})
-                                .value_or("")
-                                .split('\n'))
-                       .size() > 1;
-        },
-        5s);
+    const auto clipboard = [&] { return desktop_.Run("xclip", {"-o", "-selection", "clipboard"}); };
+    WaitUntil([&] { return (lines = clipboard().value_or("").split('\n')).size() > 1; }, 5s);
     ASSERT_EQ(lines.size(), 28) << "27 lines, the last ended too";
     EXPECT_EQ(lines[0], "Hostwarden 2.0 by Velloquin");
     EXPECT_EQ(lines.mid(22, 4).join('|'),
@@ -42,8 +50,7 @@ TEST_F(Journey, AboutAndFixReg) {
               "successfull. It relys on the dedicated server closing or not responding. A mere "
               "error wont be enough to trigger it.||I removed time scripting because it was full "
               "of bugs and wasn't realy in demand. It also was having bad effects on Automsgs.");
-    ASSERT_TRUE(Click(*about, "About", "CMDOK"));
-    EXPECT_TRUE(desktop_.WaitGone(*about));
+    ASSERT_TRUE(Click(*about, "About", "CMDOK") && desktop_.WaitGone(*about));
     ASSERT_TRUE(ClickMain("CMDExit"));
     auto question = desktop_.WaitFor(kExitTitle);
     ASSERT_TRUE(question && Answer(*question, "Return")) << "the main window takes no input";
@@ -60,40 +67,15 @@ TEST_F(Journey, AboutAndFixReg) {
     EXPECT_TRUE(hostwarden_.WaitForExit(10s)) << Windows();
     EXPECT_EQ(Settings().trimmed(), "");
     hostwarden_ = StartHostwarden();
-    EXPECT_TRUE(desktop_.WaitFor("Warning")) << Windows();
-}
-
-// Each window as the operator meets it, left in e2e-artifacts/window-<name>.png.
-TEST_F(Journey, EveryWindowPictured) {
-    hostwarden_ = StartHostwarden();
     const auto warning = desktop_.WaitFor("Warning");
-    ASSERT_TRUE(warning && Answer(*warning, "Return"));
+    ASSERT_TRUE(warning && Answer(*warning, "Return")) << Windows();
     const auto setup = desktop_.WaitFor("Setup");
     ASSERT_TRUE(setup);
-    Shoot(desktop_, *setup, "Setup");
+    shoot(*setup, "Setup");
     ASSERT_TRUE(Click(*setup, "Setup", "CMDBrowse"));
     const auto browse = desktop_.WaitFor("Browse");
     ASSERT_TRUE(browse);
-    Shoot(desktop_, *browse, "Browse");
-    hostwarden_.Stop();
-
-    StartMain();
-    Shoot(desktop_, main_, "Hostwarden");
-    const struct {
-        const char *opener, *title, *form, *closer;
-    } dialogs[] = {{"CMDAbout", "About-Help", "About", "CMDOK"},
-                   {"CMDMod", "Select a mod from the list", "Mods", "CMDCancel"},
-                   {"CMDNew", "Name?", "NewConf", "CMDCancel"},
-                   {"CMDCopy", "Copy DEFAULT to:", "CopyConfig", "CMDCancel"},
-                   {"CMDTextRate", "Set Text Rate", "Text_Rate", "Command2"},
-                   {"CMDMsgRate", "Message Rate", "MsgRate", "CMDCancel"}};
-    for (const auto& d : dialogs) {
-        ASSERT_TRUE(ClickMain(d.opener));
-        const auto window = desktop_.WaitFor(d.title);
-        ASSERT_TRUE(window) << d.title << " missing; windows: " << Windows();
-        Shoot(desktop_, *window, d.form);
-        ASSERT_TRUE(Click(*window, d.form, d.closer) && desktop_.WaitGone(*window));
-    }
+    shoot(*browse, "Browse");
 }
 
 } // namespace
