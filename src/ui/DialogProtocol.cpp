@@ -1,5 +1,6 @@
 #include "ui/DialogProtocol.h"
 
+#include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
@@ -34,6 +35,16 @@ void OpenDialog(QWidget* owner, QWidget* dialog, StartPosition position) {
     if (owner)
         owner->setEnabled(false);
     dialog->activateWindow();
+}
+
+void KeepDialogForward(QWidget* owner, QEvent* event, std::initializer_list<QWidget*> dialogs) {
+    if (event->type() != QEvent::ActivationChange || owner->isEnabled() || !owner->isActiveWindow())
+        return;
+    for (QWidget* dialog : dialogs)
+        if (dialog) {
+            dialog->raise();
+            dialog->activateWindow();
+        }
 }
 
 void CloseDialog(QWidget* owner, QWidget*& dialog) {

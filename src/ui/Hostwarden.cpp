@@ -4,6 +4,7 @@
 #include "automation/ModPushKeys.h"
 #include "platform/ProcessLauncher.h"
 #include "platform/Services.h"
+#include "ui/DialogProtocol.h"
 #include "ui/WindowRegistry.h"
 #include "ui/automation/AutoMessageHandlers.h"
 #include "ui/automation/RateHandlers.h"
@@ -181,15 +182,9 @@ bool Hostwarden::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void Hostwarden::changeEvent(QEvent* event) {
-    // A click on the disabled window may raise it over the open dialog; the dialog comes
-    // forward again and keeps the input.
-    if (event->type() == QEvent::ActivationChange && !isEnabled() && isActiveWindow())
-        for (QWidget* dialog : {forms.About, forms.ShippedMaps, forms.Mods, forms.NewConf,
-                                forms.CopyConfig, forms.Text_Rate, forms.MsgRate})
-            if (dialog) {
-                dialog->raise();
-                dialog->activateWindow();
-            }
+    KeepDialogForward(this, event,
+                      {forms.About, forms.ShippedMaps, forms.Mods, forms.NewConf, forms.CopyConfig,
+                       forms.Text_Rate, forms.MsgRate});
     QWidget::changeEvent(event);
 }
 

@@ -76,6 +76,9 @@ TEST_F(Journey, AboutFixRegAndEveryWindowPictured) {
     const auto browse = desktop_.WaitFor("Browse");
     ASSERT_TRUE(browse);
     shoot(*browse, "Browse");
+    ASSERT_TRUE(Click(*setup, "Setup", "CMDBrowse")); // beside Browse, on the disabled Setup
+    EXPECT_TRUE(WaitUntil([&] { return desktop_.Active() == browse; }, 5s))
+        << "Browse stays in front";
 }
 
 } // namespace
