@@ -8,7 +8,7 @@ packages=(
   qt6-base-dev qt6-base-dev-tools libqt6test6 qt6-qpa-plugins libgl-dev
   libx11-dev libxtst-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  xvfb openbox xdotool x11-utils xterm imagemagick
+  xvfb openbox xdotool x11-utils xterm imagemagick xclip
   fonts-dejavu-core
   file lintian desktop-file-utils appstream
 )

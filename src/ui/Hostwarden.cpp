@@ -4,6 +4,8 @@
 #include "automation/ModPushKeys.h"
 #include "platform/ProcessLauncher.h"
 #include "platform/Services.h"
+#include "ui/DialogProtocol.h"
+#include "ui/WindowRegistry.h"
 #include "ui/automation/AutoMessageHandlers.h"
 #include "ui/automation/RateHandlers.h"
 #include "ui/maps/MapHandlers.h"
@@ -11,6 +13,7 @@
 #include "ui/server/ModHandlers.h"
 #include "ui/server/StartupHandlers.h"
 #include "ui/server/WatchHandlers.h"
+#include "ui/settings/AboutHandlers.h"
 #include "ui/settings/ConfigFieldHandlers.h"
 #include "ui/settings/ConfigHandlers.h"
 #include "ui/settings/ConfigListHandlers.h"
@@ -173,6 +176,7 @@ void Hostwarden::Connect() {
     connect(ui->CMDMin, &QAbstractButton::clicked, this, [w] { CMDMin_Click(*w); });
     connect(ui->CMDTextRate, &QAbstractButton::clicked, this, [w] { CMDTextRate_Click(*w); });
     connect(ui->CMDMsgRate, &QAbstractButton::clicked, this, [w] { CMDMsgRate_Click(*w); });
+    connect(ui->CMDAbout, &QAbstractButton::clicked, this, [w] { CMDAbout_Click(*w); });
 
     connect(ui->CHKMessage, &QAbstractButton::toggled, this,
             [w](bool checked) { w->automation_->CHKMessage_Click(checked); });
@@ -196,6 +200,13 @@ bool Hostwarden::eventFilter(QObject* watched, QEvent* event) {
         return true;
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void Hostwarden::changeEvent(QEvent* event) {
+    KeepDialogForward(this, event,
+                      {forms.About, forms.ShippedMaps, forms.Mods, forms.NewConf, forms.CopyConfig,
+                       forms.Text_Rate, forms.MsgRate});
+    QWidget::changeEvent(event);
 }
 
 void Hostwarden::closeEvent(QCloseEvent* event) {

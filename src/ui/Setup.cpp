@@ -1,6 +1,7 @@
 #include "ui/Setup.h"
 
 #include "ui/DialogProtocol.h"
+#include "ui/WindowRegistry.h"
 #include "ui/server/BrowseHandlers.h"
 #include "ui/server/SetupHandlers.h"
 #include "ui_Setup.h"
@@ -20,6 +21,11 @@ Setup::Setup(AppState& state, WindowRegistry& windows, Services& services, QWidg
 }
 
 Setup::~Setup() = default;
+
+void Setup::changeEvent(QEvent* event) {
+    KeepDialogForward(this, event, {forms.Browse});
+    QWidget::changeEvent(event);
+}
 
 void Setup::closeEvent(QCloseEvent* event) {
     // Closed only through its own buttons.

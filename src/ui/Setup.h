@@ -25,5 +25,6 @@ public:
     std::unique_ptr<Ui::Setup> ui;
 
 protected:
+    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 };

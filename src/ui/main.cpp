@@ -95,10 +95,6 @@ int main(int argc, char** argv) {
     auto* setup = new Setup(state, forms, services);
     forms.Setup = setup;
     Setup_Form_Load(*setup);
-    if (forms.Setup) {
-        // First run: the Setup window waits for the game directory.
-        setup->move(setup->screen()->availableGeometry().center() - setup->rect().center());
-        setup->show();
-    }
+    ShowSetup(*setup); // a first run waits there for the game directory
     return application.exec();
 }

@@ -42,6 +42,7 @@ void ShowFiles(ShippedMaps& d, const QString& folder, const QString& pattern) {
     QListWidget* files = d.ui->LSTMP;
     files->clear();
     files->setProperty(kFolder, FolderPath(folder));
+    files->setProperty("pattern", pattern);
     if (!folder.isEmpty())
         files->addItems(ListFiles(folder, pattern));
 }

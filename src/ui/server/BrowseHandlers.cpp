@@ -37,7 +37,7 @@ void Drive1_Change(Browse& b) {
 void Dir1_Change(Browse& b) {
     QListWidget* files = b.ui->File1;
     files->clear();
-    files->addItems(ListFiles(b.Path(), QStringLiteral("rf.exe")));
+    files->addItems(ListFiles(b.Path(), files->property("pattern").toString()));
     b.ui->CMDOK->setEnabled(files->count() > 0);
 }
 

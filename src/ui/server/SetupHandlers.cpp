@@ -8,6 +8,7 @@
 #include "server/AppState.h"
 #include "settings/ProjectInfo.h"
 #include "settings/ServerConfig.h"
+#include "ui/DialogProtocol.h"
 #include "ui/Hostwarden.h"
 #include "ui/Setup.h"
 #include "ui/WindowRegistry.h"
@@ -48,6 +49,11 @@ void Setup_Form_Load(Setup& s) {
         return;
     }
     Setup_CMDOK_Click(s);
+}
+
+void ShowSetup(Setup& s) {
+    if (s.forms.Setup)
+        OpenDialog(nullptr, &s, StartPosition::CentreScreen);
 }
 
 void TXTRFLocate_Change(Setup& s) {
