@@ -229,7 +229,7 @@ TEST_F(Journey, QuestionsKeepTheKeyboardAndASecondLaunchDropsTheHalfLine) {
     ASSERT_TRUE(ClickMain("CMDLaunch"));
     ASSERT_TRUE(WaitUntil([&] { return KeyCount() >= 10; }, kInterval + 30s));
     ASSERT_TRUE(ClickMain("CMDExit"));
-    const auto question = desktop_.WaitFor("Save and exit or just exit");
+    const auto question = desktop_.WaitFor(kExitTitle);
     ASSERT_TRUE(question);
     const int keys = KeyCount(); // one more may have been on its way
     EXPECT_FALSE(WaitUntil([&] { return KeyCount() > keys + 1; }, 1500ms)) << "typed on";
