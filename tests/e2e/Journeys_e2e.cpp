@@ -5,6 +5,8 @@
 
 #include <QFile>
 
+#include <algorithm>
+
 #include <sys/stat.h>
 
 using namespace e2e;
@@ -48,7 +50,15 @@ TEST_F(Journey, FirstRunWarningSetupAndALaterStart) {
     main_ = desktop_.WaitFor(kMainTitle).value_or(0);
     ASSERT_TRUE(main_) << "Setup's OK did not lead on; windows: " << Windows();
     EXPECT_TRUE(desktop_.WaitGone(*setup)) << "Setup stays after its OK";
-    EXPECT_TRUE(Section("Startup").contains("HasRunSetup=1"));
+    const QStringList startup = Section("Startup");
+    EXPECT_TRUE(startup.contains("HasRunSetup=1"));
+    EXPECT_TRUE(std::any_of(startup.begin(), startup.end(), [](const QString& line) {
+        return line.startsWith("RFLocation=/") && line.endsWith("game/");
+    })) << startup.join(' ').toStdString();
+    // The main window shows DEFAULT: its Launch starts the server with that configuration.
+    ASSERT_TRUE(ClickMain("CMDLaunch"));
+    ASSERT_TRUE(WaitUntil([&] { return !GameLines("commandline.txt").isEmpty(); }, 20s));
+    EXPECT_EQ(GameLines("commandline.txt").mid(1).join(' '), "-dedicated DEFAULT");
     ASSERT_TRUE(hostwarden_.IsRunning());
     hostwarden_.Stop();
 
