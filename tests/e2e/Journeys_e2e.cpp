@@ -215,7 +215,8 @@ TEST_F(Journey, HandEditsAndASecondStartAreSurvived) {
 // Builds the rotation through "Select Maps" by keyboard, ">" then Down a pick: one pick more
 // than a list holds picks its last level twice, showing where it ends. Cancel drops the picks,
 // OK appends them to the rotation, Launch writes it. The list takes the focus (Tab reaches it
-// from "Custom Maps") with nothing selected; Down and Home select the first entry.
+// from "Custom Maps") with nothing selected; Down and Home select the first entry. The count
+// label, which no X property holds, is read as a screen reader reads it.
 TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
     Seed(LaterRun{});
     Seed(Settings().replace("MapCount=0", "MapCount=1\nmap0=ctf05.rfl"));
@@ -245,6 +246,14 @@ TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
         const auto written = [&] { return ReadFile(GameFile("dedicated_server.txt")); };
         EXPECT_TRUE(WaitUntil([&] { return written().endsWith(maps); }, 10s)) << written().data();
     };
+    const auto countShows = [&](const QString& caption) {
+        return WaitUntil(
+            [&] {
+                const auto labels = desktop_.Run(ACCESSIBLE, {"labels", kMainTitle});
+                return labels && labels->split('\n').contains(caption);
+            },
+            10s);
+    };
     const auto numbered = [](const char* prefix, int last) {
         QStringList levels;
         for (int i = 1; i <= last; ++i)
@@ -253,12 +262,16 @@ TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
     };
 
     ASSERT_NO_FATAL_FAILURE(select(3, 1, "CMDCancel"));
+    EXPECT_TRUE(countShows("1 Maps"));
     ASSERT_NO_FATAL_FAILURE(select(8, 4, "CMDOK"));
+    EXPECT_TRUE(countShows("13 Maps"));
     launchWrites(
         QStringList{"ctf05.rfl"} + numbered("ctf", 7) +
         QStringList{"ctf_tower.rfl", "ctf_bridge.rfl", "ctf_canyon.rfl", "ctf_canyon.rfl"});
     ASSERT_TRUE(desktop_.Activate(main_) && ClickMain("OPTDM")); // empties the rotation
+    EXPECT_TRUE(countShows("0 Maps"));
     ASSERT_NO_FATAL_FAILURE(select(21, 6, "CMDOK"));
+    EXPECT_TRUE(countShows("27 Maps"));
     launchWrites(numbered("dm", 20) + QStringList{"dm_arena.rfl", "dm_warehouse.rfl",
                                                   "dm_sewers.rfl", "dm_arena.rfl", "dm_yard.rfl",
                                                   "dm_yard.rfl"});
