@@ -32,8 +32,9 @@ TEST_F(Journey, AboutFixRegAndEveryWindowPictured) {
         const auto window = desktop_.WaitFor(d.title);
         ASSERT_TRUE(window) << d.title << " missing; windows: " << Windows();
         shoot(*window, d.form);
-        if (d.form != QLatin1String("About"))
+        if (d.form != QLatin1String("About")) {
             ASSERT_TRUE(Click(*window, d.form, d.closer) && desktop_.WaitGone(*window));
+        }
     }
     auto about = desktop_.Find("About-Help");
     ASSERT_TRUE(ClickMain("CMDExit"));
@@ -61,9 +62,10 @@ TEST_F(Journey, AboutFixRegAndEveryWindowPictured) {
         ASSERT_TRUE(Click(*about, "About", "CMDReset"));
         ASSERT_TRUE(question = desktop_.WaitFor("Reset Application Registry Entries?"));
         ASSERT_TRUE(Answer(*question, answer));
-        if (answer == "Return")
+        if (answer == "Return") {
             EXPECT_TRUE(desktop_.WaitGone(*question) && hostwarden_.IsRunning() &&
                         Settings() == seeded && Click(*about, "About", "CMDOK"));
+        }
     }
     EXPECT_TRUE(hostwarden_.WaitForExit(10s)) << Windows();
     EXPECT_EQ(Settings().trimmed(), "");
