@@ -32,17 +32,17 @@ struct MainWindow {
         t.Put("Startup", "HasRunSetup", "1");
     }
 
-    // "section/key=value;...": stores each entry, or lists those the store does not hold.
-    // An entry without a section goes to `section`.
+    // "section/key=value;...": stores each entry (one without a section under `section`), or
+    // names those the store does not hold.
     void Seed(const QString& entries, const QString& section = {}) {
-        for (const auto& [where, key, value] : Split(entries, section))
-            t.Put(where, key, value);
+        for (const QString& e : entries.split(';', Qt::SkipEmptyParts))
+            t.Put(Section(e, section), Key(e), e.section('=', 1));
     }
     std::string NotHeld(const QString& entries) {
         QStringList wrong;
-        for (const auto& [where, key, value] : Split(entries, {}))
-            if (t.Get(where, key) != value)
-                wrong << where + "/" + key + "=" + t.Get(where, key);
+        for (const QString& e : entries.split(';', Qt::SkipEmptyParts))
+            if (t.Get(Section(e, {}), Key(e)) != e.section('=', 1))
+                wrong << e.section('=', 0, 0) + "=" + t.Get(Section(e, {}), Key(e));
         return wrong.join(';').toStdString();
     }
 
@@ -65,13 +65,9 @@ struct MainWindow {
     QStringList Maps() const { return MapList(*w); }
 
 private:
-    static QList<std::array<QString, 3>> Split(const QString& entries, const QString& section) {
-        QList<std::array<QString, 3>> split;
-        for (const QString& entry : entries.split(';', Qt::SkipEmptyParts)) {
-            const QString name = entry.section('=', 0, 0);
-            split.append({name.contains('/') ? name.section('/', 0, 0) : section,
-                          name.section('/', -1), entry.section('=', 1)});
-        }
-        return split;
+    static QString Section(const QString& entry, const QString& otherwise) {
+        const QString name = entry.section('=', 0, 0);
+        return name.contains('/') ? name.section('/', 0, 0) : otherwise;
     }
+    static QString Key(const QString& entry) { return entry.section('=', 0, 0).section('/', -1); }
 };
