@@ -9,18 +9,16 @@
 namespace {
 
 // A main window over a store holding a configuration "CLAN" next to DEFAULT, as the program
-// itself saves one, with some keys changed ("key=value;...").
+// itself saves one, with some keys changed ("key=value;...", "section/key=value" elsewhere).
 MainWindow& WithClan(MainWindow& m, const QString& changes = {}) {
     m.SeedFirstRun();
-    const QString keys = "gametype=CTF;servname=Clan Night;name=CLAN;maxplayers=8;password=pw;"
-                         "rconpass=rc;maxtime=20;maxcaps=3;maxkills=25;maxgeo=64;teamdamage=True;"
-                         "forcespawn=True;balance=False;weaponstay=True;falldamage=False;"
-                         "map0=ctf01;map1=ctf05;map2=ctf01;mapcount=3;default=1;Mod=Rocketball;"
-                         "Text0=hello;Text1=;Text2=third;Text3=;MessageOn=0;";
-    for (const QString& pair : (keys + changes).split(';', Qt::SkipEmptyParts))
-        m.t.Put("CLAN", pair.section('=', 0, 0), pair.section('=', 1));
-    m.t.Put("ConfName", "ConfCount", "2");
-    m.t.Put("ConfName", "Conf2", "CLAN");
+    m.Seed("ConfName/ConfCount=2;ConfName/Conf2=CLAN;gametype=CTF;servname=Clan Night;name=CLAN;"
+           "maxplayers=8;password=pw;rconpass=rc;maxtime=20;maxcaps=3;maxkills=25;maxgeo=64;"
+           "teamdamage=True;forcespawn=True;balance=False;weaponstay=True;falldamage=False;"
+           "map0=ctf01;map1=ctf05;map2=ctf01;mapcount=3;default=1;Mod=Rocketball;Text0=hello;"
+           "Text1=;Text2=third;Text3=;MessageOn=0;" +
+               changes,
+           "CLAN");
     m.Load();
     return m;
 }
@@ -30,7 +28,7 @@ MainWindow& WithClan(MainWindow& m, const QString& changes = {}) {
 TEST(GameType, EachOptionSetsItsTypeLimitsNameAndEmptiesTheMaps) {
     const struct {
         const char* option;
-        const char* gametype;
+        QString type;
         bool kills, caps;
     } rows[] = {{"OPTDM", "DM", true, false},
                 {"OPTTDM", "TeamDM", true, false},
@@ -46,15 +44,13 @@ TEST(GameType, EachOptionSetsItsTypeLimitsNameAndEmptiesTheMaps) {
         m.app.Saved = "yes";
         auto* option = m.w->findChild<QRadioButton*>(row.option);
         option->click();
-        const QString type = row.gametype;
-        EXPECT_EQ(ui.TXTServName->text(), "$ME's Dedicated " + type);
-        EXPECT_TRUE(m.Text().contains("$Server Name:    \"$ME's Dedicated " + type +
-                                      "\"\r\n$Game Type:      \"" + type + "\"\r\n"));
-        EXPECT_EQ(ui.MaxKills->isEnabled(), row.kills);
-        EXPECT_EQ(ui.MaxCaps->isEnabled(), row.caps);
+        EXPECT_EQ(ui.TXTServName->text(), "$ME's Dedicated " + row.type);
+        EXPECT_TRUE(m.Text().contains("$Server Name:    \"$ME's Dedicated " + row.type +
+                                      "\"\r\n$Game Type:      \"" + row.type + "\"\r\n"));
+        EXPECT_EQ(std::pair(ui.MaxKills->isEnabled(), ui.MaxCaps->isEnabled()),
+                  std::pair(row.kills, row.caps));
+        EXPECT_EQ(QStringList({ui.MCS->text(), m.app.Saved}), QStringList({"0 Maps", "no"}));
         EXPECT_TRUE(m.Maps().isEmpty());
-        EXPECT_EQ(ui.MCS->text(), "0 Maps");
-        EXPECT_EQ(m.app.Saved, "no");
         // Clicking the selected option again keeps it, and the maps with it.
         ui.LSTMaps->addItem("ctf01");
         QTest::mouseClick(option, Qt::LeftButton);
@@ -115,6 +111,11 @@ TEST(ConfigFields, EveryChoiceAndKeystrokeShowsAtOnceTypingInAListDoesNot) {
     EXPECT_EQ(m.Text(), before);
     EXPECT_EQ(m.app.Saved, "yes");
     EXPECT_EQ(m.app.CurrentConf, "Typed over");
+    // Spaces typed into the configuration's name are discarded.
+    ui.TXTConfName->setReadOnly(false); // as if it took typing
+    ui.TXTConfName->clear();
+    QTest::keyClicks(ui.TXTConfName, "A B C");
+    EXPECT_EQ(QStringList({ui.TXTConfName->text(), m.app.name}), QStringList({"ABC", "ABC"}));
 }
 
 TEST(Banner, ShowsTheUpdateNoticeThenBeeps) {
@@ -123,11 +124,11 @@ TEST(Banner, ShowsTheUpdateNoticeThenBeeps) {
     int beepsWhileShown = -1;
     m.t.messages.onShow = [&](const MessageRequest&) { beepsWhileShown = m.t.beeper.beeps; };
     QTest::mouseClick(m.ui().Image1, Qt::LeftButton);
-    const MessageRequest notice{"Please visit " + kProjectAddress + " for possible updates.",
-                                kAppName, MsgButtons::OK, MsgIcon::None, MsgDefault::First};
-    EXPECT_EQ(m.t.messages.shown, QList{notice});
-    EXPECT_EQ(beepsWhileShown, 0);
-    EXPECT_EQ(m.t.beeper.beeps, 1);
+    EXPECT_EQ(
+        m.t.messages.shown,
+        QList<MessageRequest>({{"Please visit " + kProjectAddress + " for possible updates.",
+                                kAppName, MsgButtons::OK, MsgIcon::None, MsgDefault::First}}));
+    EXPECT_EQ(std::pair(beepsWhileShown, m.t.beeper.beeps), std::pair(0, 1));
 }
 
 TEST(LoadConfig, ReplacesEditsWithTheStoredValuesWhateverGameTypeWasSelected) {
@@ -170,15 +171,19 @@ TEST(LoadConfig, ReplacesEditsWithTheStoredValuesWhateverGameTypeWasSelected) {
     }
 }
 
+// A missing map key loads as an empty entry; a huge count stops at the last map key, and a
+// hand-edited list count at the highest stored entry.
 TEST(LoadConfig, NeedsTheMarkerAndFallsBackOnUnreadableFields) {
     MainWindow m;
-    // A missing map key loads as an empty entry; a huge count stops at the last map key.
     WithClan(m, "default=yes;gametype=TeamDM;maxplayers=99;maxtime=soon;teamdamage=maybe;"
-                "balance=;mapcount=2000000000");
+                "balance=;mapcount=2000000000;ConfName/ConfCount=999999999;ConfName/Conf2=;"
+                "ConfName/conf3=CLAN");
     m.t.store.DeleteSetting(kAppName, "CLAN", "map1");
     const QString before = m.Text();
     m.app.Saved = "yes";
     m.app.CurrentConf = "CLAN";
+    EXPECT_EQ(m.ui().LSTConfig->count(), 3);
+    EXPECT_EQ(m.ui().LSTConfig->itemText(2), "CLAN");
     LoadConfig(*m.w);
     EXPECT_EQ(m.Text(), before);
     EXPECT_EQ(m.app.Saved, "yes");
@@ -224,25 +229,4 @@ TEST(SaveConfig, AsksThenRewritesTheWholeSectionOrWritesNothing) {
               "forcespawn=True;balance=False;weaponstay=True;falldamage=False;map0=ctf05;"
               "map1=ctf01;mapcount=2;default=1;Mod=Rocketball;Text0=hello;Text1=;"
               "Text2=third;Text3=;MessageOn=1");
-}
-
-// A count edited by hand lists no entry beyond the highest "Conf" key the list holds.
-TEST(FillConfigList, StopsAfterTheHighestStoredEntry) {
-    MainWindow m;
-    m.SeedFirstRun();
-    m.t.Put("ConfName", "ConfCount", "999999999");
-    m.t.Put("ConfName", "conf3", "CLAN");
-    m.Load();
-    EXPECT_EQ(m.ui().LSTConfig->count(), 3);
-    EXPECT_EQ(m.ui().LSTConfig->itemText(2), "CLAN");
-}
-
-TEST(ConfigName, TypedSpacesAreDiscarded) {
-    MainWindow m;
-    m.Start();
-    m.ui().TXTConfName->setReadOnly(false); // as if it took typing
-    m.ui().TXTConfName->clear();
-    QTest::keyClicks(m.ui().TXTConfName, "A B C");
-    EXPECT_EQ(m.ui().TXTConfName->text(), "ABC");
-    EXPECT_EQ(m.app.name, "ABC");
 }

@@ -58,31 +58,25 @@ TEST(ConfigList, NewCopyAndDeleteKeepTheListNumberedAndRefuseWhatWouldHarmIt) {
          "DEFAULT A C", "DEFAULT", "C", "Startup/HasRunSetup=1"},
         // clang-format on
     };
-    const auto parts = [](const QString& e) {
-        return QStringList{e.section('/', 0, 0), e.section('/', 1).section('=', 0, 0),
-                           e.section('=', 1)};
-    };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         MainWindow m;
         m.SeedFirstRun();
         for (const QString name : {"A", "B", "C"}) {
             AppendConfigName(m.t.store, kAppName, name);
-            for (const QString& key :
-                 QStringList{"default=1", "name=" + name, "servname=server " + name})
-                m.t.Put(name, key.section('=', 0, 0), key.section('=', 1));
+            m.Seed("default=1;name=" + name + ";servname=server " + name, name);
         }
-        const QStringList seed = row.seed.split(';', Qt::SkipEmptyParts);
-        for (const QString& entry : seed)
-            m.t.Put(parts(entry)[0], parts(entry)[1], parts(entry)[2]);
+        const bool current = row.seed.startsWith("CurrentConf/=");
+        if (!current)
+            m.Seed(row.seed);
         auto& ui = m.Load().ui;
         ui->LSTConfig->setCurrentIndex(row.select < 0 ? 1 : row.select);
         if (row.select < 0)
             ui->LSTConfig->setCurrentIndex(-1);
         if (row.select < 0 && QString(row.run) == "CMDCopy")
             ui->LSTConfig->setEditText("GHOST");
-        if (seed.value(0).startsWith("CurrentConf/="))
-            m.app.CurrentConf = parts(seed[0])[2];
+        if (current)
+            m.app.CurrentConf = row.seed.section('=', 1);
         const int writes = m.t.store.writes, commits = m.t.store.commits;
         m.t.messages.answers = {row.answer};
         const auto dialog = [&] { return m.forms.NewConf ? m.forms.NewConf : m.forms.CopyConfig; };
@@ -105,9 +99,7 @@ TEST(ConfigList, NewCopyAndDeleteKeepTheListNumberedAndRefuseWhatWouldHarmIt) {
             EXPECT_EQ(ReadConfigList(m.t.store, kAppName), list);
             EXPECT_EQ(m.t.Get("ConfName", "Conf" + QString::number(list.size() + 1)), "");
         }
-        for (const QString& entry : row.stored.split(';', Qt::SkipEmptyParts))
-            EXPECT_EQ(m.t.Get(parts(entry)[0], parts(entry)[1]), parts(entry)[2])
-                << entry.toStdString();
+        EXPECT_EQ(m.NotHeld(row.stored), "");
         EXPECT_EQ(m.app.CurrentConf, row.current);
         EXPECT_EQ(ui->TXTConfName->text(), row.shown);
         EXPECT_EQ(m.w->isEnabled(), !refused);

@@ -35,24 +35,21 @@ TEST(RateDialogs, OpenAtTheRateInEffectStoreOnOKAndChangeNothingOnCancel) {
         const auto open = [&] {
             m.w->findChild<QPushButton*>(row.opener)->click();
             QWidget* d = m.forms.*row.dialog;
-            ASSERT_NE(d, nullptr);
-            EXPECT_TRUE(d->isVisible());
+            ASSERT_TRUE(d && d->isVisible());
             EXPECT_FALSE(m.w->isEnabled());
-            EXPECT_TRUE((d->windowFlags() & Qt::CustomizeWindowHint) &&
-                        !(d->windowFlags() & Qt::WindowCloseButtonHint));
+            EXPECT_EQ(d->windowFlags() & (Qt::CustomizeWindowHint | Qt::WindowCloseButtonHint),
+                      Qt::WindowFlags(Qt::CustomizeWindowHint));
             slider = d->findChild<QSlider*>();
-            label = d->findChild<QLabel*>("RateText");
             EXPECT_EQ(slider->value(), row.inEffect(m));
+            label = d->findChild<QLabel*>("RateText");
             EXPECT_EQ(label->text(), QString::number(slider->value()) + row.suffix);
         };
         // Either button enables the main window again and unloads the dialog.
         const auto close = [&](const char* button) {
             QPointer<QWidget> d = m.forms.*row.dialog;
             d->findChild<QPushButton*>(button)->click();
-            EXPECT_TRUE(m.w->isEnabled());
-            EXPECT_EQ(m.forms.*row.dialog, nullptr);
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-            EXPECT_TRUE(d.isNull());
+            EXPECT_TRUE(m.w->isEnabled() && !(m.forms.*row.dialog) && d.isNull());
         };
         ASSERT_NO_FATAL_FAILURE(open());
         QTest::keyClick(slider, row.arrow); // small step

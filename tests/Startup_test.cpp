@@ -13,21 +13,6 @@
 
 namespace {
 
-// Runs the program's entry over doubles: the Setup window loads first.
-struct SetupRun : MainWindow {
-    Setup* setup = nullptr;
-
-    void Run() {
-        setup = new Setup(app, forms, t.services);
-        forms.Setup = setup;
-        Setup_Form_Load(*setup);
-    }
-    ~SetupRun() {
-        delete forms.MainWindow;
-        delete setup; // closing leaves it to deleteLater, and no event loop runs here
-    }
-};
-
 // A title bar but no close box: the operator leaves through the window's own buttons.
 void ExpectNoCloseBox(const QWidget* window) {
     const Qt::WindowFlags flags = window->windowFlags();
@@ -37,78 +22,59 @@ void ExpectNoCloseBox(const QWidget* window) {
 
 } // namespace
 
-TEST(Setup, FirstRunWarnsAndWaitsForTheDirectoryLaterRunsGoStraightToTheMainWindow) {
-    const MessageRequest warning{
-        "Warning, it is highly recommended that you make a backup of dedicated_server.txt "
-        "located in your redfaction game directory. This application will modify this file. "
-        "Ckick Cancel to exit setup or click OK to continue",
-        "Warning", MsgButtons::OKCancel, MsgIcon::None, MsgDefault::First};
-    using enum MsgAnswer;
+// The warning's Cancel, a plain first run and a later run with the operator's values are the
+// first-run journey's; here a stored directory, older defaults, and Setup's Cancel.
+TEST(Setup, FirstRunStoresFreshDefaultsOnOKAndEndsOnCancel) {
     const struct {
         const char* what;
         QString stored;              // "section/key=value;..." over the defaults of a later run
-        MsgAnswer answer;            // to the warning
         const char* button;          // clicked in the Setup window
         QString gameDir, maxplayers; // no maxplayers: the program ends, storing nothing
     } rows[] = {
-        // clang-format off
-        {"later run", "Startup/HasRunSetup=1;Startup/RFLocation=/games/rf/;Default/maxplayers=12",
-         OK, nullptr, "/games/rf/", "12"},
-        {"later run without a directory", "Startup/HasRunSetup=1", OK, nullptr, "", "16"},
+        {"later run without a directory", "Startup/HasRunSetup=1", nullptr, "", "16"},
         {"first run with a directory and older defaults",
-         "Startup/RFLocation=/games/rf/;Default/maxplayers=4;ConfName/ConfCount=3", OK, "CMDOK",
+         "Startup/RFLocation=/games/rf/;Default/maxplayers=4;ConfName/ConfCount=3", "CMDOK",
          "/games/rf/", "16"},
-        {"first run from an empty store, as after a reset", "", OK, "CMDOK", "/games/rf/", "16"},
-        {"cancel at the warning", "", Cancel, nullptr, "", ""},
-        {"cancel in the window", "Startup/RFLocation=/games/rf/", OK, "CMDCancel", "", ""},
-        // clang-format on
+        {"cancel in the window", "Startup/RFLocation=/games/rf/", "CMDCancel", "", ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        SetupRun r;
-        const bool firstRun = !row.stored.contains("HasRunSetup");
-        if (!firstRun)
+        MainWindow r;
+        if (!row.button)
             CreateDefaultConfig(r.t.store, kAppName);
-        for (const QString& entry : row.stored.split(';', Qt::SkipEmptyParts))
-            r.t.Put(entry.section('/', 0, 0), entry.section('/', 1).section('=', 0, 0),
-                    entry.section('=', 1));
+        r.Seed(row.stored);
         const int writes = r.t.store.writes;
-        r.t.messages.answers = {row.answer};
-        r.Run();
-        EXPECT_EQ(r.t.messages.shown, firstRun ? QList{warning} : QList<MessageRequest>());
+        auto* setup = new ::Setup(r.app, r.forms, r.t.services);
+        r.forms.Setup = setup;
+        Setup_Form_Load(*setup);
+        EXPECT_EQ(r.t.messages.shown.size(), row.button ? 1 : 0) << "the backup warning";
         if (row.button) {
-            Ui::Setup& ui = *r.setup->ui;
-            const bool stored = row.stored.contains("RFLocation");
-            EXPECT_EQ(ui.TXTRFLocate->text(), stored ? "/games/rf/" : "");
-            EXPECT_EQ(ui.CMDOK->isEnabled(), stored) << "enabled by a directory";
-            ExpectNoCloseBox(r.setup);
+            EXPECT_EQ(setup->ui->TXTRFLocate->text(), "/games/rf/");
+            EXPECT_TRUE(setup->ui->CMDOK->isEnabled()) << "enabled by a directory";
+            ExpectNoCloseBox(setup);
             EXPECT_EQ(r.forms.MainWindow, nullptr) << "Setup waits for the operator";
-            if (!stored) { // what Browse's OK does
-                ui.TXTRFLocate->setText("/games/rf/");
-                ui.CMDOK->setEnabled(true);
-            }
-            r.setup->show();
+            setup->show();
             const int commits = r.t.store.commits;
-            QTest::mouseClick(r.setup->findChild<QPushButton*>(row.button), Qt::LeftButton);
+            QTest::mouseClick(setup->findChild<QPushButton*>(row.button), Qt::LeftButton);
             EXPECT_EQ(r.t.store.commits - commits, QString(row.button) == "CMDOK") << "at once";
         }
-        const bool ends = row.maxplayers.isEmpty();
-        EXPECT_EQ(r.t.end.ended, ends ? 1 : 0);
-        if (ends) {
+        const std::unique_ptr<QWidget> setupGone(setup), main(r.forms.MainWindow);
+        EXPECT_EQ(r.t.end.ended, row.maxplayers.isEmpty() ? 1 : 0);
+        if (row.maxplayers.isEmpty()) {
             EXPECT_EQ(r.t.store.writes, writes);
-            EXPECT_EQ(r.forms.MainWindow, nullptr);
+            EXPECT_FALSE(main);
             continue;
         }
         EXPECT_EQ(r.app.GameDir, row.gameDir);
-        EXPECT_EQ(QStringList({r.t.Get("Startup", "HasRunSetup"), r.t.Get("Startup", "RFLocation"),
-                               r.t.Get("ConfName", "ConfCount"), r.t.Get("ConfName", "Conf1"),
-                               r.t.Get("Default", "maxplayers")}),
-                  QStringList({"1", row.gameDir, "1", "DEFAULT", row.maxplayers}));
+        EXPECT_EQ(r.NotHeld("Startup/HasRunSetup=1;Startup/RFLocation=" + row.gameDir +
+                            ";ConfName/ConfCount=1;ConfName/Conf1=DEFAULT;Default/maxplayers=" +
+                            row.maxplayers),
+                  "");
         EXPECT_EQ(r.forms.Setup, nullptr);
-        EXPECT_FALSE(r.setup->isVisible());
-        ASSERT_NE(r.forms.MainWindow, nullptr);
-        EXPECT_TRUE(r.forms.MainWindow->isVisible());
-        ExpectNoCloseBox(r.forms.MainWindow);
+        EXPECT_FALSE(setup->isVisible());
+        ASSERT_TRUE(main);
+        EXPECT_TRUE(main->isVisible());
+        ExpectNoCloseBox(main.get());
     }
 }
 
@@ -116,7 +82,7 @@ TEST(Setup, FirstRunWarnsAndWaitsForTheDirectoryLaterRunsGoStraightToTheMainWind
 TEST(Startup, LoadsDefaultAndRestoresThePreferencesAlongTheirChain) {
     const struct {
         const char* what;
-        QString startup; // "key=value" pairs seeded under Startup
+        QString startup; // "key=value;..." seeded under Startup
         int textRate, messageRate;
         QString checked; // boxes that end up checked
         QString portText;
@@ -125,54 +91,50 @@ TEST(Startup, LoadsDefaultAndRestoresThePreferencesAlongTheirChain) {
         {"no Startup values", "", 110, 3, "", ""},
         {"LanOnly alone: the chain stops at ServRec", "LanOnly=1", 110, 3, "", ""},
         {"whole chain, the port cleaned and stored again",
-         "ServRec=1 lanonly=1 Port=1 PortNum=12a34", 110, 3, "ServRec LanOnly Port", "1234"},
-        {"Port missing: PortNum is not restored", "ServRec=0 LanOnly=1 PortNum=7755", 110, 3,
+         "ServRec=1;lanonly=1;Port=1;PortNum=12a34", 110, 3, "ServRec LanOnly Port", "1234"},
+        {"Port missing: PortNum is not restored", "ServRec=0;LanOnly=1;PortNum=7755", 110, 3,
          "LanOnly", ""},
         {"other values leave a box unchecked, the chain goes on",
-         "ServRec=2 LanOnly=yes Port=1 PortNum=", 110, 3, "Port", ""},
-        {"rates", "TextRate=50 MsgRate=10", 50, 10, "", ""},
-        {"rates read as the dialogs' ranges allow", "TextRate=5 MsgRate=fast", 10, 3, "", ""},
+         "ServRec=2;LanOnly=yes;Port=1;PortNum=", 110, 3, "Port", ""},
+        {"rates", "TextRate=50;MsgRate=10", 50, 10, "", ""},
+        {"rates read as the dialogs' ranges allow", "TextRate=5;MsgRate=fast", 10, 3, "", ""},
         // clang-format on
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         MainWindow m;
         m.SeedFirstRun();
-        for (const QString& pair : row.startup.split(' ', Qt::SkipEmptyParts))
-            m.t.Put("Startup", pair.section('=', 0, 0), pair.section('=', 1));
-        m.Load();
-        auto& ui = m.ui();
+        m.Seed(row.startup, "Startup");
+        auto& ui = m.Load().ui;
         const bool port = row.checked.contains("Port");
-        EXPECT_EQ(m.w->TextRate(), row.textRate);
-        EXPECT_EQ(m.app.MessageRate, row.messageRate);
-        EXPECT_EQ(ui.CHKServRec->isChecked(), row.checked.contains("ServRec"));
-        EXPECT_EQ(ui.CHKGameTracker->isChecked(), row.checked.contains("LanOnly"));
-        EXPECT_EQ(ui.CHKPort->isChecked(), port);
-        EXPECT_EQ(ui.TXTPort->isEnabled(), port);
-        EXPECT_EQ(ui.TXTPort->text(), row.portText);
-        if (port) {
-            EXPECT_EQ(m.t.Get("Startup", "PortNum"), row.portText);
-        }
+        EXPECT_EQ(std::pair(m.w->TextRate(), int(m.app.MessageRate)),
+                  std::pair(row.textRate, row.messageRate));
+        EXPECT_EQ(ui->CHKServRec->isChecked(), row.checked.contains("ServRec"));
+        EXPECT_EQ(ui->CHKGameTracker->isChecked(), row.checked.contains("LanOnly"));
+        EXPECT_EQ(ui->CHKPort->isChecked(), port);
+        EXPECT_EQ(ui->TXTPort->isEnabled(), port);
+        EXPECT_EQ(ui->TXTPort->text(), row.portText);
+        EXPECT_TRUE(!port || m.t.Get("Startup", "PortNum") == row.portText);
         // The worked example of the options file is what a first run shows.
         EXPECT_EQ(m.Text().toLatin1(), texts::kFirstRunOptions);
-        QStringList lists;
-        for (QComboBox* list :
-             {ui.MaxPlayers, ui.MaxTime, ui.MaxKills, ui.MaxCaps, ui.MaxGeo, ui.TeamDamage,
-              ui.FallDamage, ui.WeaponStay, ui.ForceSpawn, ui.Balance})
-            lists << QString("%1..%2 %3")
-                         .arg(list->itemText(0), list->itemText(list->count() - 1),
-                              QString::number(list->count()));
-        EXPECT_EQ(lists.join(", "), "2..32 31, 5..60 56, 1..100 100, 1..25 25, 0..128 129, "
-                                    "True..False 2, True..False 2, True..False 2, True..False 2, "
-                                    "True..False 2");
-        EXPECT_EQ(QStringList({ui.LSTConfig->currentText(), QString::number(ui.LSTConfig->count()),
-                               ui.TXTConfName->text(), ui.TXTMod->text(), ui.MCS->text()}),
-                  QStringList({"DEFAULT", "1", "Default", "None", "0 Maps"}));
         EXPECT_EQ(m.app.CurrentConf, "DEFAULT");
         EXPECT_EQ(m.app.Saved, "yes");
-        EXPECT_FALSE(m.timer("TMRAdds")->isActive());
-        EXPECT_FALSE(m.timer("TMRSend")->isActive());
+        EXPECT_FALSE(m.timer("TMRAdds")->isActive() || m.timer("TMRSend")->isActive());
     }
+    MainWindow m;
+    auto& ui = m.Start().ui();
+    QStringList lists;
+    for (QComboBox* list : {ui.MaxPlayers, ui.MaxTime, ui.MaxKills, ui.MaxCaps, ui.MaxGeo,
+                            ui.TeamDamage, ui.FallDamage, ui.WeaponStay, ui.ForceSpawn, ui.Balance})
+        lists << QString("%1..%2 %3")
+                     .arg(list->itemText(0), list->itemText(list->count() - 1))
+                     .arg(list->count());
+    EXPECT_EQ(lists.join(", "), "2..32 31, 5..60 56, 1..100 100, 1..25 25, 0..128 129, "
+                                "True..False 2, True..False 2, True..False 2, True..False 2, "
+                                "True..False 2");
+    EXPECT_EQ(QStringList({ui.LSTConfig->currentText(), QString::number(ui.LSTConfig->count()),
+                           ui.TXTConfName->text(), ui.TXTMod->text(), ui.MCS->text()}),
+              QStringList({"DEFAULT", "1", "Default", "None", "0 Maps"}));
 }
 
 TEST(LaunchSwitches, ClicksAndTypedPortsAreStored) {
@@ -180,16 +142,17 @@ TEST(LaunchSwitches, ClicksAndTypedPortsAreStored) {
     auto& ui = m.Start().ui();
     for (QCheckBox* box : {ui.CHKGameTracker, ui.CHKServRec, ui.CHKPort})
         box->setChecked(true);
-    for (const char* key : {"lanonly", "ServRec", "Port"})
-        EXPECT_EQ(m.t.Get("Startup", key), "1") << key;
+    EXPECT_EQ(m.NotHeld("Startup/lanonly=1;Startup/ServRec=1;Startup/Port=1"), "");
     EXPECT_TRUE(ui.TXTPort->isEnabled());
-    // Only digits and the point stay, the cursor at the end.
+    // Only digits and the point stay, the cursor at the end, however long the number.
     const QString digits(320, u'7');
-    // clang-format off
-    for (const auto& [typed, kept] : QList<QPair<QString, QString>>{
-             {"1234", "1234"}, {"12a34", "1234"}, {"12.5", "12.5"}, {"abc", ""}, {"7 7", "77"},
-             {digits, digits}, {digits + "x" + digits, digits + digits}}) {
-        // clang-format on
+    for (const auto& [typed, kept] :
+         QList<QPair<QString, QString>>{{"1234", "1234"},
+                                        {"12a34", "1234"},
+                                        {"12.5", "12.5"},
+                                        {"abc", ""},
+                                        {"7 7", "77"},
+                                        {digits + "x" + digits, digits + digits}}) {
         ui.TXTPort->setText(typed);
         EXPECT_EQ(ui.TXTPort->text(), kept) << typed.toStdString();
         EXPECT_EQ(ui.TXTPort->cursorPosition(), kept.size()) << typed.toStdString();
