@@ -324,16 +324,6 @@ TEST_F(AutoMessagesTest, CharacterWaitsForOurQuestionsAndForANewConsoleUpToThirt
     }
 }
 
-// One character is one tick and one key, whatever its UTF-16 length; a character that
-// the ANSI code page lacks is typed as "?".
-TEST_F(AutoMessagesTest, TypesByCharacterAndReplacesWhatTheCodePageLacks) {
-    am.QueueMessage(QString::fromUtf8("caf\u00e9 \u00df\u20ac\U0001F600\u2211"));
-    TypeLine();
-    EXPECT_EQ(
-        pushed,
-        QString::fromUtf8("say caf\u00e9 \u00df\u20ac??~").split(QString(), Qt::SkipEmptyParts));
-}
-
 // The server's end recovers at once; a failure status within 5 s is a failed start.
 TEST_F(AutoMessagesTest, TheServersEndRecoversAtOnceAndAFailedStartIsToldWithItsDetails) {
     const std::tuple<const char*, bool, std::int64_t, int, bool, const char*> rows[] = {
@@ -346,7 +336,7 @@ TEST_F(AutoMessagesTest, TheServersEndRecoversAtOnceAndAFailedStartIsToldWithIts
         Rig t;
         t.QueueBatch({"queued"});
         t.messageChecked = messages;
-        t.clock.now += afterMs; // after the launch
+        t.clock.now += afterMs;                                     // after the launch
         t.am.ServerExited({t.process - 1, "RF.EXE", 3, false, {}}); // not the server
         EXPECT_TRUE(t.boxes.shown.isEmpty() && t.am.ServerHandle() == 42);
         t.am.ServerExited({t.process, "/rf/RF.EXE", status, signalled, "wine: go\nno way"});
