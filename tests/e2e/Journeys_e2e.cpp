@@ -268,7 +268,9 @@ TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
     launchWrites(
         QStringList{"ctf05.rfl"} + numbered("ctf", 7) +
         QStringList{"ctf_tower.rfl", "ctf_bridge.rfl", "ctf_canyon.rfl", "ctf_canyon.rfl"});
-    ASSERT_TRUE(desktop_.Activate(main_) && ClickMain("OPTDM")); // empties the rotation
+    // The new console may still take the focus back from the main window for a moment.
+    ASSERT_TRUE(WaitUntil([&] { return desktop_.Activate(main_) && ClickMain("OPTDM"); }, 15s))
+        << "empties the rotation";
     EXPECT_TRUE(countShows("0 Maps"));
     ASSERT_NO_FATAL_FAILURE(select(21, 6, "CMDOK"));
     EXPECT_TRUE(countShows("27 Maps"));
