@@ -12,7 +12,7 @@ dir=build-coverage
 # With CCACHE_BASEDIR set, ccache hands the compiler relative paths, which end up in the notes
 # files and which gcov cannot resolve from the object directories.
 unset CCACHE_BASEDIR
-cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS="--coverage -O0" \
+cmake -S . -B "$dir" -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS="--coverage -O0 -DHOSTWARDEN_COVERAGE" \
       -DCMAKE_EXE_LINKER_FLAGS="--coverage" >/dev/null
 cmake --build "$dir" -j"$(nproc)"
 find "$dir" -name '*.gcda' -delete
