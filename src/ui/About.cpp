@@ -3,8 +3,6 @@
 #include "ui/settings/AboutHandlers.h"
 #include "ui_About.h"
 
-#include <QCloseEvent>
-
 About::About(Hostwarden& main) : main(main), ui(std::make_unique<Ui::About>()) {
     ui->setupUi(this);
     auto* d = this;
@@ -13,7 +11,3 @@ About::About(Hostwarden& main) : main(main), ui(std::make_unique<Ui::About>()) {
 }
 
 About::~About() = default;
-
-void About::closeEvent(QCloseEvent* event) {
-    event->ignore(); // closed only through OK
-}

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "ui/ButtonsOnlyWindow.h"
 
 #include <memory>
 
@@ -10,7 +10,7 @@ class About;
 class Hostwarden;
 
 // "About-Help": the program's notes, and "Fix Reg", which resets every setting.
-class About : public QWidget {
+class About : public ButtonsOnlyWindow {
     Q_OBJECT
 public:
     explicit About(Hostwarden& main);
@@ -18,7 +18,4 @@ public:
 
     Hostwarden& main;
     std::unique_ptr<Ui::About> ui;
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
 };

@@ -4,8 +4,6 @@
 #include "ui/server/BrowseHandlers.h"
 #include "ui_Browse.h"
 
-#include <QCloseEvent>
-
 namespace {
 
 constexpr int kPathRole = Qt::UserRole;
@@ -64,8 +62,4 @@ void Browse::FillItem(QTreeWidgetItem* item) {
     // A folder without sub-folders, or one that cannot be read, shows no expander.
     item->setChildIndicatorPolicy(names.isEmpty() ? QTreeWidgetItem::DontShowIndicator
                                                   : QTreeWidgetItem::ShowIndicator);
-}
-
-void Browse::closeEvent(QCloseEvent* event) {
-    event->ignore(); // closed only through OK and Cancel
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "ui/ButtonsOnlyWindow.h"
 
 #include <memory>
 
@@ -12,7 +12,7 @@ class Setup;
 
 // "Browse": the operator picks the game directory from the drives and folders of the
 // machine; only a folder holding the game executable can be taken.
-class Browse : public QWidget {
+class Browse : public ButtonsOnlyWindow {
     Q_OBJECT
 public:
     explicit Browse(Setup& setup);
@@ -25,9 +25,6 @@ public:
     QString Path() const;
     // Shows `folder` in Dir1, its sub-folders below it, and opens it.
     void SetPath(const QString& folder);
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
 
 private:
     // Lists the sub-folders of a folder item the first time it is expanded.

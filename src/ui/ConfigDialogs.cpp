@@ -4,7 +4,6 @@
 #include "ui_CopyConfig.h"
 #include "ui_NewConf.h"
 
-#include <QCloseEvent>
 #include <QKeyEvent>
 
 namespace {
@@ -38,10 +37,6 @@ bool NewConf::eventFilter(QObject* watched, QEvent* event) {
     return NameKey(*this, watched, event) || QWidget::eventFilter(watched, event);
 }
 
-void NewConf::closeEvent(QCloseEvent* event) {
-    event->ignore(); // closed only through OK and Cancel
-}
-
 CopyConfig::CopyConfig(Hostwarden& main) : main(main), ui(std::make_unique<Ui::CopyConfig>()) {
     ui->setupUi(this);
     auto* d = this;
@@ -56,8 +51,4 @@ CopyConfig::~CopyConfig() = default;
 
 bool CopyConfig::eventFilter(QObject* watched, QEvent* event) {
     return NameKey(*this, watched, event) || QWidget::eventFilter(watched, event);
-}
-
-void CopyConfig::closeEvent(QCloseEvent* event) {
-    event->ignore();
 }

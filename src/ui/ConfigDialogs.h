@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "ui/ButtonsOnlyWindow.h"
 
 #include <memory>
 
@@ -11,7 +11,7 @@ class CopyConfig;
 class Hostwarden;
 
 // "Name?": the name of a new configuration.
-class NewConf : public QWidget {
+class NewConf : public ButtonsOnlyWindow {
     Q_OBJECT
 public:
     explicit NewConf(Hostwarden& main);
@@ -22,11 +22,10 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
 };
 
 // "Copy <name> to:": the name of a copy of the configuration shown in the list.
-class CopyConfig : public QWidget {
+class CopyConfig : public ButtonsOnlyWindow {
     Q_OBJECT
 public:
     explicit CopyConfig(Hostwarden& main);
@@ -39,5 +38,4 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
 };

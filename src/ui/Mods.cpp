@@ -3,8 +3,6 @@
 #include "ui/server/ModHandlers.h"
 #include "ui_Mods.h"
 
-#include <QCloseEvent>
-
 Mods::Mods(Hostwarden& main) : main(main), ui(std::make_unique<Ui::Mods>()) {
     ui->setupUi(this);
     auto* d = this;
@@ -16,7 +14,3 @@ Mods::Mods(Hostwarden& main) : main(main), ui(std::make_unique<Ui::Mods>()) {
 }
 
 Mods::~Mods() = default;
-
-void Mods::closeEvent(QCloseEvent* event) {
-    event->ignore(); // closed only through OK and Cancel
-}

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "ui/ButtonsOnlyWindow.h"
 
 #include <memory>
 
@@ -10,7 +10,7 @@ class Mods;
 class Hostwarden;
 
 // "Select a mod from the list": the usable mods of the game directory.
-class Mods : public QWidget {
+class Mods : public ButtonsOnlyWindow {
     Q_OBJECT
 public:
     explicit Mods(Hostwarden& main);
@@ -18,7 +18,4 @@ public:
 
     Hostwarden& main;
     std::unique_ptr<Ui::Mods> ui;
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
 };

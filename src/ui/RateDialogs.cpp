@@ -4,8 +4,6 @@
 #include "ui_MsgRate.h"
 #include "ui_Text_Rate.h"
 
-#include <QCloseEvent>
-
 Text_Rate::Text_Rate(Hostwarden& main) : main(main), ui(std::make_unique<Ui::Text_Rate>()) {
     ui->setupUi(this);
     auto* d = this;
@@ -16,10 +14,6 @@ Text_Rate::Text_Rate(Hostwarden& main) : main(main), ui(std::make_unique<Ui::Tex
 
 Text_Rate::~Text_Rate() = default;
 
-void Text_Rate::closeEvent(QCloseEvent* event) {
-    event->ignore(); // closed only through OK and Cancel
-}
-
 MsgRate::MsgRate(Hostwarden& main) : main(main), ui(std::make_unique<Ui::MsgRate>()) {
     ui->setupUi(this);
     auto* d = this;
@@ -29,7 +23,3 @@ MsgRate::MsgRate(Hostwarden& main) : main(main), ui(std::make_unique<Ui::MsgRate
 }
 
 MsgRate::~MsgRate() = default;
-
-void MsgRate::closeEvent(QCloseEvent* event) {
-    event->ignore();
-}

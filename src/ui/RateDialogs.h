@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "ui/ButtonsOnlyWindow.h"
 
 #include <memory>
 
@@ -11,7 +11,7 @@ class MsgRate;
 class Hostwarden;
 
 // "Set Text Rate": milliseconds between typed characters.
-class Text_Rate : public QWidget {
+class Text_Rate : public ButtonsOnlyWindow {
     Q_OBJECT
 public:
     explicit Text_Rate(Hostwarden& main);
@@ -19,13 +19,10 @@ public:
 
     Hostwarden& main;
     std::unique_ptr<Ui::Text_Rate> ui;
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
 };
 
 // "Message Rate": minutes between automatic message batches.
-class MsgRate : public QWidget {
+class MsgRate : public ButtonsOnlyWindow {
     Q_OBJECT
 public:
     explicit MsgRate(Hostwarden& main);
@@ -33,7 +30,4 @@ public:
 
     Hostwarden& main;
     std::unique_ptr<Ui::MsgRate> ui;
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
 };

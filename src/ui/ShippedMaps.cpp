@@ -3,8 +3,6 @@
 #include "ui/maps/MapHandlers.h"
 #include "ui_ShippedMaps.h"
 
-#include <QCloseEvent>
-
 ShippedMaps::ShippedMaps(Hostwarden& main) : main(main), ui(std::make_unique<Ui::ShippedMaps>()) {
     ui->setupUi(this);
     auto* d = this;
@@ -21,7 +19,3 @@ ShippedMaps::ShippedMaps(Hostwarden& main) : main(main), ui(std::make_unique<Ui:
 }
 
 ShippedMaps::~ShippedMaps() = default;
-
-void ShippedMaps::closeEvent(QCloseEvent* event) {
-    event->ignore(); // closed only through OK and Cancel
-}

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "ui/ButtonsOnlyWindow.h"
 
 #include <memory>
 
@@ -10,7 +10,7 @@ class ShippedMaps;
 class Hostwarden;
 
 // "Select Maps": picks levels from the stock archive or the custom packs for the rotation.
-class ShippedMaps : public QWidget {
+class ShippedMaps : public ButtonsOnlyWindow {
     Q_OBJECT
 public:
     explicit ShippedMaps(Hostwarden& main);
@@ -18,7 +18,4 @@ public:
 
     Hostwarden& main;
     std::unique_ptr<Ui::ShippedMaps> ui;
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
 };
