@@ -6,14 +6,13 @@
 
 #include <functional>
 
-// In-memory desktop: windows in stacking order, top first.
+// In-memory desktop: windows in stacking order, top first, none of them disabled.
 class FakeWindowServices : public WindowServices {
 public:
     struct Window {
         WindowHandle handle = 0;
         QString title;
         WindowHandle owner = 0;
-        std::uint32_t style = 0;
         bool gone = false;
         std::int64_t process = 0; // the launched process tree it belongs to
     };
@@ -24,12 +23,11 @@ public:
     };
 
     // Adds a window below the existing ones and returns its handle.
-    WindowHandle Add(const QString& title, WindowHandle owner = 0, std::uint32_t style = 0) {
-        windows.append({next_, title, owner, style});
+    WindowHandle Add(const QString& title, WindowHandle owner = 0) {
+        windows.append({next_, title, owner});
         return next_++;
     }
-    // The window is destroyed but keeps its place in the stacking order and its last
-    // title, as a backend that read the desktop before it changed would report them.
+    // Destroyed, it keeps its place and title, as a backend that read the desktop before reports.
     void Vanish(WindowHandle window) {
         for (Window& w : windows)
             w.gone = w.gone || w.handle == window;
@@ -45,7 +43,7 @@ public:
     }
     bool IsWindow(WindowHandle w) override { return Find(w) && !Find(w)->gone; }
     QString GetWindowText(WindowHandle w) override { return Find(w) ? Find(w)->title : QString(); }
-    std::uint32_t GetStyle(WindowHandle w) override { return Find(w) ? Find(w)->style : 0; }
+    std::uint32_t GetStyle(WindowHandle) override { return 0; }
     void PostMessage(WindowHandle w, std::uint32_t message) override { posts.append({w, message}); }
     WindowHandle MainWindow() override { return mainWindow; }
     void SetMainWindow(WindowHandle window) override { mainWindow = window; }
@@ -67,13 +65,10 @@ public:
     QList<Window> windows;
     QList<Post> posts;
     QList<WindowHandle> activations;
-    WindowHandle mainWindow = 0;
-    WindowHandle focus = 0;
-    // When set, activation leaves the focus where it is.
-    bool focusStolen = false;
+    WindowHandle mainWindow = 0, focus = 0;
+    bool focusStolen = false; // activation leaves the focus where it is
     bool noDisplay = false;
-    // Runs on every ProcessPendingEvents, to let a test change the desktop mid-walk.
-    std::function<void()> onPendingEvents;
+    std::function<void()> onPendingEvents; // lets a test change the desktop mid-walk
 
 private:
     const Window* Find(WindowHandle window) const {
