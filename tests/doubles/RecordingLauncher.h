@@ -12,6 +12,7 @@ public:
         QString program, parameters, workingDirectory; // ShellExecute only
         QString commandLine;                           // StartCommandLine only
         std::int32_t windowStyle = 0;
+        bool operator==(const Call&) const = default;
     };
 
     std::int32_t ShellExecute(const QString& program, const QString& parameters,
