@@ -21,8 +21,7 @@ const MessageRequest kServerError{
     "server is running and try again",
     "Server Error", MsgButtons::OK, MsgIcon::None, MsgDefault::First};
 
-// The main window and the key sender as the automatic messages see them, with everything one
-// run needs and a launched server; a table row builds a fresh one.
+// The main window and the key sender as the automatic messages see them, a server launched.
 struct Rig : AutoMessageHost, KeySender {
     Rig() {
         state.MessageRate = 3;
@@ -145,7 +144,6 @@ TEST_F(AutoMessagesTest, CountdownQueuesNonEmptyBoxesInOrderEveryIntervalWhileCh
 }
 
 TEST_F(AutoMessagesTest, RandomPicksOneNonEmptyBoxFromTheGenerator) {
-    // One interval for each expected pick.
     const std::tuple<QStringList, QList<double>, QStringList> rows[] = {
         {{"a", "b", "c", "d"}, {0.0, 0.24, 0.25, 0.5, 0.9999}, {"a", "a", "b", "c", "d"}},
         {{"", "", "c", ""}, {0.1, 0.3, 0.8, 0.6}, {"c"}},
@@ -162,8 +160,6 @@ TEST_F(AutoMessagesTest, RandomPicksOneNonEmptyBoxFromTheGenerator) {
     }
 }
 
-// Any failure of the typing step resets everything, then relaunches and beeps (the
-// countdown goes on where it stood) or tells the operator once (the messages stop).
 TEST_F(AutoMessagesTest, TypingFailureResetsEverythingThenRelaunchesOrTellsTheOperator) {
     for (const bool recover : {false, true}) { // the console closes, or a key cannot be sent
         SCOPED_TRACE(recover);
@@ -204,10 +200,8 @@ TEST_F(AutoMessagesTest, TypingFailureResetsEverythingThenRelaunchesOrTellsTheOp
     }
 }
 
-// Decision: a console that exists but does not get the input focus is not a lost
-// server. The character waits (typing it would send it to whatever window has the
-// focus); after 10 seconds by the clock without progress the line is dropped without
-// recovery, and the operator is told. Ticks may take longer than the typing interval.
+// Decision: a console that exists but does not take the focus is not a lost server. After 10
+// seconds by the clock (ticks may be slow) without progress the line is dropped and told.
 TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsWithoutProgress) {
     const std::tuple<int, int, int> rows[] = {{110, 0, 92}, {10, 90, 101}};
     for (const auto& [interval, slowness, ticksToDrop] : rows) {
@@ -238,8 +232,6 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsWithout
     }
 }
 
-// Without an X display typing can never work: the operator is told once per run, the
-// messages stop and the server is left alone, however many batches fall due.
 TEST_F(AutoMessagesTest, WithoutADisplayTellsOnceAndNeitherRecoversNorKeepsQueueing) {
     windows.noDisplay = servRecChecked = true;
     for (int launch = 0; launch < 2; ++launch) {
@@ -260,10 +252,7 @@ TEST_F(AutoMessagesTest, WithoutADisplayTellsOnceAndNeitherRecoversNorKeepsQueue
     EXPECT_EQ(std::tuple(boxes.shown.size(), launches, am.ServerHandle()), std::tuple(1, 0, 0u));
 }
 
-// The character waits, without recovery, while one of our own message boxes is open, and
-// while a console just launched has not appeared (the old one, still closing, does not
-// count); 30 seconds after the launch without it the server is lost. A launch drops the
-// half-typed line.
+// A console just launched may take 30 s to appear; the old one, still closing, does not count.
 TEST_F(AutoMessagesTest, CharacterWaitsForOurQuestionsAndForANewConsoleUpToThirtySeconds) {
     for (const int c : {0, 1, 2}) { // a question open; new console late; only the old one
         SCOPED_TRACE(c);
@@ -292,7 +281,6 @@ TEST_F(AutoMessagesTest, CharacterWaitsForOurQuestionsAndForANewConsoleUpToThirt
     }
 }
 
-// The server's end recovers at once; a failure status within 5 s is a failed start.
 TEST_F(AutoMessagesTest, TheServersEndRecoversAtOnceAndAFailedStartIsToldWithItsDetails) {
     const std::tuple<const char*, bool, std::int64_t, int, bool, const char*> rows[] = {
         {"killed, messages off", false, 60000, 9, true, "Server Error"},
@@ -318,7 +306,6 @@ TEST_F(AutoMessagesTest, TheServersEndRecoversAtOnceAndAFailedStartIsToldWithIts
     }
 }
 
-// At most 3 relaunches within 10 minutes, then told once; the operator's Launch resets.
 TEST_F(AutoMessagesTest, RelaunchesStopAfterThreeInTenMinutesUntilTheOperatorLaunches) {
     servRecChecked = true;
     onLaunch = [this] { am.ServerLaunched(77), am.WatchServer(++process); };

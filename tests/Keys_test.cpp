@@ -1,5 +1,3 @@
-// From a key sequence to the keys the server receives: the sequence reader, the US layout's
-// tables and the X keysym of each virtual key.
 #include "automation/ModPushKeys.h"
 #include "platform/UsLayout.h"
 #include "platform/x11/X11Keyboard.h"
@@ -100,8 +98,7 @@ TEST(ModPushKeys, TypesEachSequenceAsItsKeyEvents) {
               Expand("tap vk65/30, down Shift, tap a, up Shift, down Shift, tap 1, up Shift"));
 }
 
-// A count is a decimal number rounded to the nearest whole number, halves away from zero; text
-// that is no number, or out of the 16-bit range, counts 1. A pause lasts that many seconds.
+// Counts round halves away from zero; no number, or one out of the 16-bit range, counts 1.
 TEST(ModPushKeys, CountsRepeatKeysAndTimePauses) {
     const std::pair<const char*, int> rows[] = {
         {"3", 3},   {"", 1},    {"x", 1},   {"0", 0},      {"-3", -3}, {"40000", 1},
@@ -118,9 +115,7 @@ TEST(ModPushKeys, CountsRepeatKeysAndTimePauses) {
     }
 }
 
-// Each key name, in any case and with a count, types its virtual key with the scan code of a US
-// keyboard, and the X11 backend sends that key as its keysym. One or two names of each kind of
-// entry: the messages themselves, typed a character at a time, only ever reach ENTER.
+// One or two names of each kind: the messages, typed a character at a time, only reach ENTER.
 TEST(ModPushKeys, NamedKeysReachTheServerAsTheirKeys) {
     // names = virtual key, scan code, X keysym ("-": none); keys without a name are keys only
     // the program itself sends, and codes no key stands for.
@@ -150,9 +145,9 @@ TEST(ModPushKeys, NamedKeysReachTheServerAsTheirKeys) {
     EXPECT_EQ(UsLayout::MapVirtualKey(0x100), 0u);
 }
 
-// A failure outside braces reaches the caller; inside braces it is absorbed: each repetition
-// breaks off at the failing step, and a modifier group broken off is released at the end of
-// the sequence. One sender types every row, so nothing may stick from a failed sequence.
+// A failure inside braces is absorbed: each repetition breaks off at the failing step, and a
+// broken-off modifier group is released at the end. One sender types every row, so nothing
+// may stick from a failed sequence.
 TEST(ModPushKeys, KeyboardFailures) {
     const struct {
         const char *keys, *failing;
@@ -183,9 +178,8 @@ TEST(ModPushKeys, KeyboardFailures) {
     }
 }
 
-// The US keyboard, row by row: what each key types, what it types with Shift, and the scan
-// code of the row's first key (the keys of a row count up from it). Each character has the
-// key, scan code and Shift state of its key; X11 sends the key's unshifted character.
+// The US keyboard, row by row: each key plain and with Shift, and the scan code of the row's
+// first key (the keys of a row count up from it).
 TEST(UsLayout, EveryPrintableCharacterHasItsKey) {
     const struct {
         std::string plain, shifted;

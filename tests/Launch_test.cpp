@@ -62,8 +62,7 @@ TEST(Launch, CommandLineFollowsTheControls) {
         m.w->ServerLaunched(7);
         m.timer("TMRAdds")->stop();
         CMDLaunch_Click(*m.w);
-        // Refused or not, the old console has been asked to close, the file written and
-        // the configuration stored.
+        // Refused or not: the old console closed, the file written, the configuration stored.
         EXPECT_EQ(m.t.windows.posts, (Posts{{old, WM_CANCELMODE}, {old, WM_CLOSE}}));
         EXPECT_TRUE(QFile::exists(gameDir + "dedicated_server.txt"));
         EXPECT_EQ(m.t.Get(row.name, "name"), row.name);
@@ -140,7 +139,6 @@ TEST(Launch, FailuresAreReported) {
     }
 }
 
-// A server started by the whole line is watched too: a console missing after 30 s is told.
 TEST(Launch, TheStartedServerIsWatched) {
     QTemporaryDir dir;
     Launch m(dir.path() + "/");

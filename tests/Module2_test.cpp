@@ -7,10 +7,8 @@
 
 namespace {
 
-// The walk asks the first eligible window whose title holds the needle to close, and lets the
-// main window's events run after each window it steps past, never after asking. Our own
-// windows, a disabled match and the stacking order are shown on a real desktop by the
-// close-window journey.
+// The main window's events run after each window the walk steps past, never after asking. Our
+// own windows, a disabled match and the stacking order are the close-window journey's.
 TEST(CloseWindowByTitle, AsksOnlyTheFirstEligibleMatchToClose) {
     const struct {
         const char* name;
@@ -63,8 +61,7 @@ TEST(CloseWindowByTitle, AsksOnlyTheFirstEligibleMatchToClose) {
     }
 }
 
-// The console of the launched server (marked '*') wins, then the exact title, then a title
-// that begins with it; a title that merely mentions the server is never taken.
+// The launched server's console is marked '*'.
 TEST(FindServerWindow, PrefersTheLaunchedServerThenTheWholeTitleNeverAMention) {
     const std::pair<const char*, int> rows[] = {
         {"notes about red faction dedicated server.txt - editor|RFDS", 1},

@@ -9,7 +9,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
-#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -20,12 +19,12 @@
 namespace {
 
 // Writes where it ran, its parent, its session, its stdin and its argv, a line each, to
-// the file named by $HW_RECORD, atomically, so a test sees the whole record or none.
+// the file named by $HW_RECORD.
 const char* const kRecorder = R"sh(#!/bin/sh
 {
   pwd -P; echo "$PPID"; cut -d' ' -f6 /proc/$$/stat; readlink /proc/$$/fd/0
   printf '%s\n' "$0" "$@"
-} > "$HW_RECORD.part" && mv "$HW_RECORD.part" "$HW_RECORD"
+} > "$HW_RECORD"
 )sh";
 
 enum RecordLine { Pwd, Ppid, Sid, Stdin, Argv };
@@ -49,22 +48,9 @@ protected:
                             (executable ? QFile::ExeOwner : QFile::Permissions()));
         return file.fileName();
     }
-    QString Script(const QString& relative) { return Make(relative, kRecorder, true); }
     // "@" stands for the temporary folder.
     QString At(QString text) const { return text.replace('@', root); }
 
-    // The started program runs on its own; wait for its record to appear.
-    std::optional<QStringList> WaitForRecord() {
-        QDeadlineTimer deadline(10000);
-        while (!QFile::exists(recordPath) && !deadline.hasExpired())
-            QThread::msleep(5);
-        QFile file(recordPath);
-        if (!file.open(QIODevice::ReadOnly))
-            return std::nullopt;
-        QFile::remove(recordPath);
-        return QString::fromUtf8(file.readAll()).chopped(1).split('\n');
-    }
-    // The event loop runs until the launcher reports the last started program's end.
     std::optional<ProgramExit> WaitForExit() {
         std::optional<ProgramExit> exit;
         launcher.OnProgramExit([&](const ProgramExit& e) { exit = e; });
@@ -86,8 +72,8 @@ TEST_F(PosixProcessLauncherTest, StartsTheProgramInASessionOfItsOwnWithItsArgume
                               "touch @/injected | cat > @/injected";
     for (const char* program :
          {"Game/rf.sh", "RedFaction/Data/rf.exe", "My Games/Red Faction/rf.exe", "bin/wine"})
-        Script(program);
-    Script(shellDir.mid(2) + "/RF.EXE");
+        Make(program, kRecorder, true);
+    Make(shellDir.mid(2) + "/RF.EXE", kRecorder, true);
     Make("Win/RF.EXE", QByteArray("MZ\x90\0\x03", 5), false);
     const QString wholeLine; // as parameters: start the whole command line
     qputenv("PATH", QFile::encodeName(root + "/bin") + ":" + savedPath);
@@ -130,16 +116,17 @@ TEST_F(PosixProcessLauncherTest, StartsTheProgramInASessionOfItsOwnWithItsArgume
                 ? launcher.StartCommandLine(At(row.program), 1)
                 : launcher.ShellExecute(At(row.program), At(row.parameters), At(row.directory), 1),
             42);
-        const auto record = WaitForRecord();
-        ASSERT_TRUE(record);
+        const auto exit = WaitForExit();
+        QFile file(recordPath);
+        ASSERT_TRUE(exit && file.open(QIODevice::ReadOnly));
+        const QStringList record = QString::fromUtf8(file.readAll()).chopped(1).split('\n');
+        file.remove();
         const QString pwd =
             row.pwd.isEmpty() ? QFileInfo(QDir::currentPath()).canonicalFilePath() : At(row.pwd);
-        EXPECT_EQ(QStringList({record->value(Pwd), record->value(Stdin)}) + record->mid(Argv),
+        EXPECT_EQ(QStringList({record.value(Pwd), record.value(Stdin)}) + record.mid(Argv),
                   QStringList({pwd, "/dev/null"}) + At(row.argv).split('\n'));
-        const auto exit = WaitForExit();
-        ASSERT_TRUE(exit);
         // Ours to watch, and the head of a session of its own.
-        EXPECT_EQ(record->mid(Ppid, 2),
+        EXPECT_EQ(record.mid(Ppid, 2),
                   QStringList({QString::number(getpid()), QString::number(exit->process)}));
         errno = 0; // reaped once ended: no zombie, no child at all
         EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
@@ -160,7 +147,7 @@ TEST_F(PosixProcessLauncherTest, StartsTheProgramInASessionOfItsOwnWithItsArgume
 TEST_F(PosixProcessLauncherTest, FailureGivesASmallErrorCodeAndRunsNothing) {
     Make("Game/readme.txt", "just text\n", false);
     Make("Game/garbage", "no program at all\n", true);
-    Script("My Games/rf.exe");
+    Make("My Games/rf.exe", kRecorder, true);
     const auto start = [&](const char* program) {
         return launcher.ShellExecute(root + "/" + program, "-dedicated x", root, 1);
     };
@@ -178,7 +165,6 @@ TEST_F(PosixProcessLauncherTest, FailureGivesASmallErrorCodeAndRunsNothing) {
     EXPECT_EQ(launcher.StartedProcess(), 0);
 }
 
-// The end comes with the status, the error output's last lines and the program's kind.
 TEST_F(PosixProcessLauncherTest, ReportsTheEndWithStatusAndTheLastLinesOfErrorOutput) {
     const QByteArray pe32 =
         "MZ" + QByteArray(58, '\0') + QByteArray("\x40\0\0\0PE\0\0\x4c\x01", 10);

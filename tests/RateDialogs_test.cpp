@@ -5,9 +5,8 @@
 
 #include <gtest/gtest.h>
 
-// Each dialog opens at the rate in effect and shows the slider's value as it moves; Cancel
-// changes nothing, OK stores the rate. The typist's rate changes at once, the message rate
-// with the next start. The forms as opened are the dialogs test's.
+// The typist's rate changes at once, the message rate with the next start. The forms as
+// opened are the forms test's.
 TEST(RateDialogs, OpenAtTheRateInEffectStoreOnOKAndChangeNothingOnCancel) {
     const struct {
         const char* opener;
@@ -28,8 +27,7 @@ TEST(RateDialogs, OpenAtTheRateInEffectStoreOnOKAndChangeNothingOnCancel) {
         MainWindow m;
         m.Start().w->show();
         m.timer("TMRAdds")->start();
-        // Picks `value` in a dialog opened afresh, then closes it with `button`, which enables
-        // the main window again and unloads the dialog.
+        // Opens the dialog afresh, picks `value` and closes it with `button`.
         const auto choose = [&](int value, const char* button) {
             m.w->findChild<QPushButton*>(row.opener)->click();
             QPointer<QWidget> d = m.forms.*row.dialog;

@@ -35,9 +35,7 @@ TEST(SplitCommandLine, CutsProgramParametersAndFolder) {
     }
 }
 
-// The split program is started in its folder, or in the one given; when that start gives a
-// code below 32, the whole (unquoted) line is started, and the caller always gets the first
-// start's code, whatever the second one did.
+// Below 32 the whole line starts too; the caller always gets the first start's code.
 TEST(StartProgram, StartsTheSplitProgramAndFallsBackToTheWholeLine) {
     const struct {
         std::int32_t primary, fallback;
