@@ -209,14 +209,12 @@ TEST(UsLayout, EveryPrintableCharacterHasItsKey) {
         }
     EXPECT_EQ(seen.size(), 95u) << "every printable ASCII character";
 
-    // Control and high characters (é £ ° ƒ, no-break space; À and € are not in code page 437):
-    // byte, VkKeyScan, code page 437 byte, its OemKeyScan.
+    // Control and high characters (é, ƒ, no-break space; À is not in code page 437): byte,
+    // VkKeyScan, code page 437 byte, its OemKeyScan.
     const std::tuple<std::uint8_t, std::int16_t, std::uint8_t, std::uint32_t> others[] = {
-        {'\t', 9, '\t', 15},      {'\r', 13, '\r', 28},    {'\b', 8, '\b', 14},
-        {'\n', -1, '\n', ~0u},    {0x00, -1, 0x00, ~0u},   {0x1B, -1, 0x1B, ~0u},
-        {0x7F, -1, 0x7F, ~0u},    {0xE9, -1, 0x82, ~0u},   {0xA3, -1, 0x9C, ~0u},
-        {0xB0, -1, 0xF8, ~0u},    {0x83, -1, 0x9F, ~0u},   {0xA0, -1, 0xFF, ~0u},
-        {0xC0, -1, '?', 0x10035}, {0x80, -1, '?', 0x10035}};
+        {'\t', 9, '\t', 15},   {'\r', 13, '\r', 28},    {'\b', 8, '\b', 14},
+        {'\n', -1, '\n', ~0u}, {0xE9, -1, 0x82, ~0u},   {0x83, -1, 0x9F, ~0u},
+        {0xA0, -1, 0xFF, ~0u}, {0xC0, -1, '?', 0x10035}};
     for (const auto& [ch, vkScan, oem, oemScan] : others)
         EXPECT_EQ(
             std::tuple(UsLayout::VkKeyScan(ch), UsLayout::CharToOem(ch), UsLayout::OemKeyScan(oem)),
