@@ -80,9 +80,11 @@ TEST(Launch, CommandLineFollowsTheControls) {
     }
 }
 
-TEST(Launch, WritesTheOptionsBoxAsItStandsThenStoresTheConfiguration) {
+// The server started by the whole line is watched too: a console missing after 30 s is told.
+TEST(Launch, WritesTheOptionsBoxAsItStandsStoresTheConfigurationAndWatchesTheServer) {
     QTemporaryDir dir;
     Launch m(dir.path() + "/");
+    m.t.launcher.shellResults = {2};
     m.ui().TXTSTat->appendPlainText("$Hand Edit: 1");
     // Rebuilds: the hand edit is gone. No character of a value is altered by a later one.
     m.ui().TXTPassword->setText(QString::fromUtf8("p\u00a0w\nx\ry"));
@@ -100,50 +102,8 @@ TEST(Launch, WritesTheOptionsBoxAsItStandsThenStoresTheConfiguration) {
     EXPECT_EQ(QStringList({m.t.Get("DEFAULT", "name"), m.t.Get("DEFAULT", "password")}),
               QStringList({"DEFAULT", QString::fromUtf8("p\u00a0w\nx\ry")}));
     EXPECT_EQ(m.app.Saved, "yes");
-}
+    EXPECT_TRUE(m.w->Automation().ServerHandle() == 2 && m.timer("TMRAdds")->isActive());
 
-TEST(Launch, FailuresAreReported) {
-    QTemporaryDir dir;
-    // A folder below a plain file cannot be made, not even by root.
-    QFile plain(dir.path() + "/plain");
-    ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
-    const struct {
-        const char* what;
-        QString gameDir;
-        QList<std::int32_t> shell, commandLine;
-        std::int32_t handle;
-        const char* title; // of the box that reports it, if one does
-    } rows[] = {{"no resources", "/", {0}, {42}, 0, "Dedicated Server Error"},
-                {"small code, whole line starts", "/", {2}, {42}, 2, nullptr},
-                {"small code, whole line fails too", "/", {2}, {2}, 0, "Dedicated Server Error"},
-                {"unwritable options file", "/plain/", {}, {}, 0, "Options File Error"}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
-        Launch m(dir.path() + row.gameDir);
-        m.t.launcher.shellResults = row.shell;
-        m.t.launcher.commandLineResults = row.commandLine;
-        CMDLaunch_Click(*m.w);
-        EXPECT_EQ(m.w->Automation().ServerHandle(), row.handle);
-        EXPECT_EQ(m.timer("TMRAdds")->isActive(), !row.title);
-        ASSERT_EQ(m.t.messages.shown.size(), row.title ? 1 : 0);
-        if (!row.title)
-            continue;
-        const MessageRequest& box = m.t.messages.shown[0];
-        const bool options = box.title == "Options File Error";
-        EXPECT_EQ(box, options ? ErrorBox(box.text, row.title, MsgIcon::Critical)
-                               : ErrorBox("RedFaction Dedicated Server Filed to Launch", row.title,
-                                          MsgIcon::None));
-        EXPECT_TRUE(!options || (m.t.launcher.calls.isEmpty() &&
-                                 box.text.endsWith("\r\nThe server was not started.")))
-            << box.text.toStdString();
-    }
-}
-
-TEST(Launch, TheStartedServerIsWatched) {
-    QTemporaryDir dir;
-    Launch m(dir.path() + "/");
-    m.t.launcher.shellResults = {2};
-    CMDLaunch_Click(*m.w);
     const WindowHandle console = m.t.windows.Add("Wine: " + texts::kServerTitle.toUpper());
     ConsoleWatch_Timer(*m.w);
     m.t.windows.Vanish(console);
@@ -155,6 +115,38 @@ TEST(Launch, TheStartedServerIsWatched) {
         "30 seconds after its start it still shows no window titled \"Red Faction Dedicated "
         "Server\", so no messages can be typed into it.\r\n\r\nProgram: " +
         dir.path() + "/RF.EXE\r\nThe last lines of its error output:\r\nstderr of 1001"));
+}
+
+TEST(Launch, FailuresAreReported) {
+    QTemporaryDir dir;
+    // A folder below a plain file cannot be made, not even by root.
+    QFile plain(dir.path() + "/plain");
+    ASSERT_TRUE(plain.open(QIODevice::WriteOnly));
+    const struct {
+        const char* what;
+        QString gameDir;
+        QList<std::int32_t> shell, commandLine;
+        const char* title; // of the box that reports it
+    } rows[] = {{"no resources", "/", {0}, {42}, "Dedicated Server Error"},
+                {"small code, whole line fails too", "/", {2}, {2}, "Dedicated Server Error"},
+                {"unwritable options file", "/plain/", {}, {}, "Options File Error"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        Launch m(dir.path() + row.gameDir);
+        m.t.launcher.shellResults = row.shell;
+        m.t.launcher.commandLineResults = row.commandLine;
+        CMDLaunch_Click(*m.w);
+        EXPECT_FALSE(m.w->Automation().ServerHandle() || m.timer("TMRAdds")->isActive());
+        ASSERT_EQ(m.t.messages.shown.size(), 1);
+        const MessageRequest& box = m.t.messages.shown[0];
+        const bool options = box.title == "Options File Error";
+        EXPECT_EQ(box, options ? ErrorBox(box.text, row.title, MsgIcon::Critical)
+                               : ErrorBox("RedFaction Dedicated Server Filed to Launch", row.title,
+                                          MsgIcon::None));
+        EXPECT_TRUE(!options || (m.t.launcher.calls.isEmpty() &&
+                                 box.text.endsWith("\r\nThe server was not started.")))
+            << box.text.toStdString();
+    }
 }
 
 // No, and Yes when all is saved, are the launch journeys'.
