@@ -45,7 +45,6 @@ TEST(Launch, CommandLineFollowsTheControls) {
         {"three digits", false, true, "123", "None", "A", "Invalid Port", true},
         {"empty port", false, true, "", "None", "A", "You must specify a local port number to use",
          true},
-        {"an empty mod still adds the switch", false, false, "", "", "A", "-dedicated A -mod "},
         {"mod is compared exactly", false, false, "", "none", "A", "-dedicated A -mod none"},
         {"name with a blank, unquoted, and a mod", false, false, "", "Rocketball", " My Server",
          "-dedicated  My Server -mod Rocketball"}};
