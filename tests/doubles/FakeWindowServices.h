@@ -55,7 +55,6 @@ public:
         return Find(w) && Find(w)->process == process;
     }
     void ActivateWindow(WindowHandle w) override {
-        activations.append(w);
         if (!focusStolen && IsWindow(w))
             focus = w;
     }
@@ -64,7 +63,6 @@ public:
 
     QList<Window> windows;
     QList<Post> posts;
-    QList<WindowHandle> activations;
     WindowHandle mainWindow = 0, focus = 0;
     bool focusStolen = false; // activation leaves the focus where it is
     bool noDisplay = false;
