@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include <chrono>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -41,31 +42,31 @@ inline QString ArtifactPath(const QString& fileName) {
     return E2E_ARTIFACTS "/" + fileName;
 }
 
-inline QProcessEnvironment With(const QStringList& env) {
-    QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
-    for (const QString& e : env)
-        all.insert(e.section('=', 0, 0), e.section('=', 1));
-    return all;
-}
-
-// A program that dies with the test process; Stop, and the destructor, end it: SIGTERM,
-// then SIGKILL after 3 s.
+// A program that dies with the test process. Its last copy's end, or Stop, sends SIGTERM, then
+// SIGKILL after 3 s. `log` takes stdout and stderr; without one, stdout is kept for Output.
 class Process {
 public:
     Process() = default;
-    // `log` takes stdout and stderr; without one, stdout is kept for Output.
     Process(const QString& program, const QStringList& args, const QStringList& env = {},
             const QString& workDir = {}, const QString& log = {})
-        : process_(new QProcess) {
-        process_->setProcessEnvironment(With(env));
+        : process_(new QProcess, [](QProcess* process) {
+              process->terminate();
+              if (!process->waitForFinished(3000)) {
+                  process->kill();
+                  process->waitForFinished();
+              }
+              delete process;
+          }) {
+        QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
+        for (const QString& e : env)
+            all.insert(e.section('=', 0, 0), e.section('=', 1));
+        process_->setProcessEnvironment(all);
         process_->setWorkingDirectory(workDir);
         process_->setStandardInputFile(QProcess::nullDevice());
-        if (log.isEmpty()) {
-            process_->setStandardErrorFile(QProcess::nullDevice());
-        } else {
-            process_->setProcessChannelMode(QProcess::MergedChannels);
+        if (!log.isEmpty())
             process_->setStandardOutputFile(log, QIODevice::Append);
-        }
+        process_->setStandardErrorFile(log.isEmpty() ? QProcess::nullDevice() : log,
+                                       QIODevice::Append);
         process_->setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
         process_->start(program, args);
         if (!process_->waitForStarted())
@@ -90,22 +91,11 @@ public:
     }
 
 private:
-    struct End {
-        void operator()(QProcess* process) const {
-            process->terminate();
-            if (!process->waitForFinished(3000)) {
-                process->kill();
-                process->waitForFinished();
-            }
-            delete process;
-        }
-    };
-    std::unique_ptr<QProcess, End> process_;
+    std::shared_ptr<QProcess> process_;
 };
 
-// A private X server (Xvfb, 1280x1024x24, no TCP) on a free display, managed by openbox
-// unless asked otherwise, looked at and driven the way a person would: through xdotool,
-// xwininfo, xprop and ImageMagick. Throws std::runtime_error when it does not come up.
+// A private X server (Xvfb, 1280x1024x24, no TCP) on a free display, managed by openbox unless
+// asked otherwise. Throws std::runtime_error when it does not come up.
 class Desktop {
 public:
     explicit Desktop(bool windowManager = true) {
@@ -117,34 +107,30 @@ public:
             throw std::runtime_error("Xvfb did not report a display");
         if (!windowManager)
             return;
-        // openbox with its defaults and nothing from the user's configuration. It runs its
-        // start-up command once it manages every window mapped from then on.
-        QFile config(dir_.filePath("rc.xml"));
-        if (!config.open(QIODevice::WriteOnly) ||
-            config.write("<openbox_config xmlns=\"http://openbox.org/3.4/rc\"><focus><focusNew>"
-                         "yes</focusNew><followMouse>no</followMouse></focus><desktops><number>"
-                         "1</number></desktops></openbox_config>\n") < 0)
-            throw std::runtime_error("cannot write the openbox configuration");
-        config.close();
-        const QString home = dir_.path(), ready = dir_.filePath("ready");
+        // openbox with nothing from the user's configuration. It runs its start-up command
+        // once it manages every window mapped from then on.
+        const QString home = dir_.path(), config = dir_.filePath("rc.xml");
+        std::ofstream(config.toStdString())
+            << "<openbox_config xmlns=\"http://openbox.org/3.4/rc\"><focus><focusNew>yes</focusNew>"
+               "<followMouse>no</followMouse></focus><desktops><number>1</number></desktops>"
+               "</openbox_config>\n";
         windowManager_ =
-            Process("openbox", {"--config-file", config.fileName(), "--startup", "touch " + ready},
+            Process("openbox", {"--config-file", config, "--startup", "touch " + home + "/ready"},
                     Environment() << "HOME=" + home << "XDG_CONFIG_HOME=" + home
                                   << "XDG_CONFIG_DIRS=" + home,
                     {}, ArtifactPath("openbox.log"));
-        if (!WaitUntil([&] { return QFile::exists(ready); }, 15s))
+        if (!WaitUntil([&] { return QFile::exists(dir_.filePath("ready")); }, 15s))
             throw std::runtime_error("openbox did not start on " + display_.toStdString());
     }
 
-    // The desktop session this process runs in, as programs started there see it: under
-    // scripts/wayland-session.sh, a Wayland desktop with or without an X display.
+    // The desktop session this process runs in (under scripts/wayland-session.sh, a Wayland
+    // desktop with or without an X display). The Wayland socket is named by its full path:
+    // the programs get a runtime folder of their own.
     struct Session {};
-    // The Wayland socket is named by its full path: the programs get a runtime folder of
-    // their own.
     explicit Desktop(Session) : display_(qEnvironmentVariable("DISPLAY")), platform_() {
         if (const QString socket = qEnvironmentVariable("WAYLAND_DISPLAY"); !socket.isEmpty())
-            platform_ << "WAYLAND_DISPLAY=" + QDir(qEnvironmentVariable("XDG_RUNTIME_DIR"))
-                                                  .absoluteFilePath(socket);
+            platform_ << "WAYLAND_DISPLAY=" +
+                             QDir(qEnvironmentVariable("XDG_RUNTIME_DIR")).absoluteFilePath(socket);
     }
 
     const QString& Display() const { return display_; }
@@ -172,10 +158,7 @@ public:
         return ids;
     }
     QString Title(WindowId window) const {
-        // _NET_WM_NAME (UTF-8) where the window has one, WM_NAME otherwise.
-        QString title = Run("xdotool", {"getwindowname", Id(window)}).value_or("");
-        title.chop(1); // the line end
-        return title;
+        return Run("xdotool", {"getwindowname", Id(window)}).value_or("\n").chopped(1);
     }
     QStringList Titles() const {
         QStringList titles;
@@ -197,35 +180,28 @@ public:
         return found;
     }
     std::optional<WindowId> Find(const QString& title) const { return WaitFor(title, 0ms); }
-    bool Exists(WindowId window) const { return Tool("xwininfo", {"-id", Id(window)}); }
     bool WaitGone(WindowId window, std::chrono::milliseconds timeout = 10s) const {
-        return WaitUntil([&] { return !Exists(window); }, timeout, 50ms);
+        return WaitUntil([&] { return !Run("xwininfo", {"-id", Id(window)}); }, timeout, 50ms);
     }
 
     // Clicks at `position` in the window's client area. "mousemove --sync" waits for the
     // pointer to move; when it already rests on the spot it would wait out the time limit.
     bool Click(WindowId window, QPoint position) const {
-        return Tool("xdotool", {"mousemove", "0", "0"}) &&
-               Tool("xdotool",
-                    {"mousemove", "--sync", "--window", Id(window), QString::number(position.x()),
-                     QString::number(position.y()), "click", "1"});
+        return Run("xdotool", {"mousemove", "0", "0"}) &&
+               Run("xdotool",
+                   {"mousemove", "--sync", "--window", Id(window), QString::number(position.x()),
+                    QString::number(position.y()), "click", "1"});
     }
-    bool Key(const QString& keys) const { return Tool("xdotool", {"key", "--", keys}); }
+    bool Key(const QString& keys) const { return Run("xdotool", {"key", "--", keys}).has_value(); }
     // Asks the window manager to activate the window and waits until it is active.
     bool Activate(WindowId window) const {
-        return Tool("xdotool", {"windowactivate", "--sync", Id(window)});
+        return Run("xdotool", {"windowactivate", "--sync", Id(window)}).has_value();
     }
     std::optional<WindowId> Active() const { return Read({"getactivewindow"}); }
     std::optional<WindowId> Focused() const { return Read({"getwindowfocus", "-f"}); }
-    void Screenshot(const QString& name) const {
-        Run("import", {"-window", "root", "png:" + ArtifactPath(name + ".png")});
-    }
 
 private:
     static QString Id(WindowId window) { return QString::number(window); }
-    bool Tool(const QString& tool, const QStringList& args) const {
-        return Run(tool, args).has_value();
-    }
     std::optional<WindowId> Read(const QStringList& xdotoolArgs) const {
         const WindowId id = Run("xdotool", xdotoolArgs).value_or("").trimmed().toULong();
         return id ? std::optional(id) : std::nullopt;

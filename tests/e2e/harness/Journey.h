@@ -1,7 +1,6 @@
-// The one end-to-end fixture: a private desktop, a throw-away home holding a private copy of
-// the demo game (where Browse opens), and the real hostwarden binary. The stand-in server the
-// program launches leaves its witnesses (commandline.txt, transcript.txt, keys.log, events.txt) in
-// the game copy.
+// The one end-to-end fixture: a private desktop, a throw-away home holding a copy of the demo
+// game, and the real hostwarden binary. The stand-in server leaves its witnesses
+// (commandline.txt, transcript.txt, keys.log, events.txt) in the game copy.
 #pragma once
 
 #include "Desktop.h"
@@ -52,13 +51,13 @@ protected:
         // Copies keep their permissions, so RF.EXE stays executable.
         std::filesystem::copy(DEMO_GAME_DIR, game_.toStdString(),
                               std::filesystem::copy_options::recursive);
-        if (!QDir(home_.path()).mkpath("config/Hostwarden") || !QDir(home_.path()).mkpath("run"))
-            throw std::runtime_error("cannot prepare the home");
+        QDir(home_.path()).mkpath("config/Hostwarden");
+        QDir(home_.path()).mkpath("run");
         QFile::remove(ArtifactPath(TestName() + "-hostwarden.log"));
     }
     ~Journey() override {
         if (HasFailure())
-            desktop_.Screenshot(TestName() + "-at-failure");
+            desktop_.Run("import", {"-window", "root", "png:" + ArtifactPath(TestName() + ".png")});
         hostwarden_.Stop();
         // The launcher detaches the servers it starts; end those started in this game copy.
         for (pid_t pid : StartedPids())
@@ -67,14 +66,15 @@ protected:
                 ::kill(pid, SIGKILL);
     }
 
-    // The settings file: written as given, read back whole or one section's lines.
+    // The settings file: written as given or as a later run finds it, read back whole or one
+    // section's lines.
     QString SettingsFile() const {
         return home_.filePath("config/Hostwarden/" + kAppName + ".ini");
     }
     QByteArray Settings() const { return ReadFile(SettingsFile()); }
     void Seed(const QByteArray& text) const {
-        QFile file(SettingsFile());
-        if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
+        if (QFile file(SettingsFile());
+            !file.open(QIODevice::WriteOnly) || file.write(text) != text.size())
             throw std::runtime_error("cannot write the settings file");
     }
     void Seed(const LaterRun& run) const {
@@ -114,11 +114,10 @@ protected:
     void StartMain(const LaterRun& run = {}, std::optional<int> secondMs = std::nullopt) {
         Seed(run);
         hostwarden_ = StartHostwarden(secondMs);
-        main_ = desktop_.WaitFor(kMainTitle, 30s).value_or(0);
-        ASSERT_NE(main_, 0u) << "no main window; windows: " << Windows();
+        ASSERT_TRUE(main_ = desktop_.WaitFor(kMainTitle, 30s).value_or(0)) << Windows();
     }
-    // Clicks the control of the window's form (src/ui/<form>.ui) by its object name. The
-    // forms place every control straight on the window, its geometry first.
+    // Clicks the control of the window's form (src/ui/<form>.ui) by its object name: the forms
+    // place every control straight on the window, its geometry first.
     bool Click(WindowId window, const QString& form, const QString& control) const {
         const auto m = QRegularExpression("name=\"" + control +
                                               "\">.*?<x>(\\d+)</x>\\s*<y>(\\d+)"
