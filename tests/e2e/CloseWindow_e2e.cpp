@@ -24,7 +24,6 @@ struct WindowOptions {
     bool ownPid = true;         // _NET_WM_PID of this process
     Window transientFor = None; // WM_TRANSIENT_FOR
     bool modal = false;         // _NET_WM_STATE_MODAL
-    bool input = true;          // takes the keyboard focus
 };
 
 // A top-level window on a connection of its own, titled through _NET_WM_NAME (the xterms use
@@ -36,8 +35,6 @@ public:
           id_(XCreateSimpleWindow(x_, DefaultRootWindow(x_), 100, 100, 300, 200, 0, 0, 0)) {
         const QByteArray name = title.toUtf8();
         Set("_NET_WM_NAME", Atom_("UTF8_STRING"), 8, name.data(), int(name.size()));
-        XWMHints hints{.flags = InputHint, .input = options.input};
-        XSetWMHints(x_, id_, &hints);
         const long pid = getpid(), modal = long(Atom_("_NET_WM_STATE_MODAL"));
         if (options.ownPid)
             Set("_NET_WM_PID", XA_CARDINAL, 32, &pid, 1);
@@ -187,12 +184,6 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     for (RawWindow* window : {&below, &console, &dialog})
         EXPECT_EQ(window->CloseRequests(), 0);
 
-    // A console that takes no keyboard input comes to the front without the focus.
-    RawWindow deaf(desktop_, "deaf console", {.ownPid = false, .input = false});
-    ASSERT_TRUE(OnTop(desktop_, deaf.Id()));
-    services.ActivateWindow(WindowHandle(deaf.Id()));
-    desktop_.Windows();
-    EXPECT_FALSE(services.HasFocus(WindowHandle(deaf.Id())));
     EXPECT_TRUE(services.IsConnected());
 }
 
