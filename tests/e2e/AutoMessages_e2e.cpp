@@ -1,7 +1,4 @@
-// The automatic messages and the server watch as the stand-in server sees them: chat lines
-// typed into its console at the message interval and the text rate, a server that died
-// started again, one that cannot start told, the console kept in front while an operator
-// works in another window, held back while the operator answers a question.
+// The automatic messages and the server watch as the stand-in server sees them.
 #include "Journey.h"
 
 #include <QFile>
@@ -23,8 +20,8 @@ const QString kDecoyTitle = "notes about red faction dedicated server.txt - edit
 const QStringList kBatch = {"say hello one", "say third box"};
 
 // The program's "second" in the short runs: a three-minute interval passes in 3.6 s.
-constexpr int kSecondMs = 20, kIntervalMs = 180 * kSecondMs;
-constexpr auto kInterval = std::chrono::milliseconds(kIntervalMs);
+constexpr int kSecondMs = 20;
+constexpr auto kInterval = std::chrono::milliseconds(180 * kSecondMs);
 
 // SLOW: about three real minutes. The one run at real seconds and the default interval, so
 // the short test timing hides no wrong unit or default.
@@ -32,7 +29,6 @@ TEST_F(Journey, SlowTheFirstLineComesThreeRealMinutesAfterLaunch) {
     ASSERT_NO_FATAL_FAILURE(StartMain({.messages = kTwoMessages}));
     ASSERT_TRUE(ClickMain("CMDLaunch"));
     const auto launched = Clock::now();
-    ASSERT_TRUE(desktop_.WaitFor(kServerTitle));
     // 180 s, a second for the dispatcher, "say hello one" and Enter at 110 ms a key.
     const auto typing = std::chrono::milliseconds(14 * 110);
     ASSERT_TRUE(WaitForTranscript(1, 200s + typing));

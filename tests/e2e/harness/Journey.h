@@ -18,7 +18,6 @@
 #include <array>
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -123,18 +122,13 @@ public:
             throw std::runtime_error("Xvfb did not report a display");
         if (!windowManager)
             return;
-        // openbox with nothing from the user's configuration. It runs its start-up command
-        // once it manages every window mapped from then on.
-        const QString home = dir_.path(), config = dir_.filePath("rc.xml");
-        std::ofstream(config.toStdString())
-            << "<openbox_config xmlns=\"http://openbox.org/3.4/rc\"><focus><focusNew>yes</focusNew>"
-               "<followMouse>no</followMouse></focus><desktops><number>1</number></desktops>"
-               "</openbox_config>\n";
-        windowManager_ =
-            Process("openbox", {"--config-file", config, "--startup", "touch " + home + "/ready"},
-                    Environment() << "HOME=" + home << "XDG_CONFIG_HOME=" + home
-                                  << "XDG_CONFIG_DIRS=" + home,
-                    {}, ArtifactPath("openbox.log"));
+        // openbox with its defaults and nothing from the user's configuration. It runs its
+        // start-up command once it manages every window mapped from then on.
+        const QString home = dir_.path();
+        windowManager_ = Process("openbox", {"--startup", "touch " + home + "/ready"},
+                                 Environment() << "HOME=" + home << "XDG_CONFIG_HOME=" + home
+                                               << "XDG_CONFIG_DIRS=" + home,
+                                 {}, ArtifactPath("openbox.log"));
         if (!WaitUntil([&] { return QFile::exists(dir_.filePath("ready")); }, 15s))
             throw std::runtime_error("openbox did not start on " + display_.toStdString());
     }
