@@ -1,6 +1,5 @@
-// Hostwarden where an operator installs and runs it: from its Debian package, and on a Wayland
-// desktop (inside one made by scripts/wayland-session.sh, with the session's own environment:
-// no QT_QPA_PLATFORM, Qt's Wayland plugin installed).
+// Hostwarden on a Wayland desktop, run inside one by scripts/wayland-session.sh with the
+// session's own environment (no QT_QPA_PLATFORM; Qt's Wayland plugin installed).
 #include "Journey.h"
 
 using namespace e2e;
@@ -53,33 +52,6 @@ TEST_F(Wayland, WithoutXTypingIsExplainedOnce) {
     ASSERT_TRUE(press(kMainTitle, "Launch"));
     EXPECT_FALSE(WaitUntil([&] { return notices() > 0; }, 10s));
     EXPECT_TRUE(hostwarden_.IsRunning());
-}
-
-// The Debian package unpacked into a throw-away root, never installed here: its demo-game
-// command lays out a game, its hostwarden runs on it and launches the packaged stand-in.
-TEST_F(Journey, PackagedProgramRunsOnItsDemoGame) {
-    QTemporaryDir root;
-    ASSERT_TRUE(desktop_.Run("dpkg-deb", {"-x", HOSTWARDEN_DEB, root.path()}));
-    Process demo(root.filePath("usr/bin/hostwarden-demo-game"), {gameParent_.filePath("demo")},
-                 {"HOME=" + home_.path()});
-    ASSERT_TRUE(demo.WaitForExit(30s) && demo.ExitCode() == 0);
-    game_ = gameParent_.filePath("demo");
-    EXPECT_EQ(demo.Output(), GameDir() + "\n");
-
-    Seed(LaterRun{});
-    hostwarden_ = StartHostwarden(std::nullopt, root.filePath("usr/bin/hostwarden"));
-    ASSERT_TRUE(main_ = desktop_.WaitFor(kMainTitle, 30s).value_or(0)) << Windows();
-    // The desktop shell ties the window to its menu entry through the window class.
-    const QString wmClass = desktop_.Run("xprop", {"-id", QString::number(main_), "WM_CLASS"})
-                                .value_or("")
-                                .section('"', 3, 3);
-    EXPECT_TRUE(ReadFile(root.filePath("usr/share/applications/" HOSTWARDEN_APP_ID ".desktop"))
-                    .contains("\nStartupWMClass=" + wmClass.toUtf8() + "\n"))
-        << wmClass;
-
-    ASSERT_TRUE(ClickMain("CMDLaunch"));
-    EXPECT_TRUE(desktop_.WaitFor(kServerTitle)) << Windows();
-    EXPECT_TRUE(GameLines("commandline.txt").value(0).startsWith(GameDir())) << "not the demo's";
 }
 
 } // namespace
