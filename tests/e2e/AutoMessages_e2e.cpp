@@ -64,7 +64,9 @@ TEST_P(Recovery, AServerThatDiedIsStartedAgainAndTheMessagesGoOn) {
     ASSERT_TRUE(WaitForTranscript(2, 30s));
     ASSERT_EQ(Transcript(), kBatch);
     // Key to key: the text rate, within what the timer and the server's event loop allow.
-    std::vector<qint64> gaps = KeyTimes();
+    std::vector<qint64> gaps;
+    for (const QString& key : GameLines("keys.log"))
+        gaps.push_back(key.section(' ', 0, 0).toLongLong());
     std::adjacent_difference(gaps.begin(), gaps.end(), gaps.begin());
     std::sort(gaps.begin() + 1, gaps.end());
     EXPECT_NEAR(gaps[gaps.size() / 2], 50, 15) << testing::PrintToString(gaps);

@@ -232,8 +232,7 @@ inline QByteArray ReadFile(const QString& path) {
 
 // A settings file as the program's own first run leaves it, ready for a later run.
 struct LaterRun {
-    QString listEntry = "DEFAULT"; // [ConfName] Conf1
-    QStringList startup;           // further [Startup] lines, "key=value"
+    QStringList startup; // further [Startup] lines, "key=value"
     std::array<QString, 4> messages;
 };
 
@@ -278,7 +277,7 @@ protected:
         text += "\n[Default]\n" + kFirstRunDefaults.join('\n') + "\n";
         for (int k = 0; k < int(run.messages.size()); ++k)
             text += QStringLiteral("Text%1=%2\n").arg(k).arg(run.messages[k]);
-        Seed((text + "\n[ConfName]\nConfCount=1\nConf1=" + run.listEntry + "\n").toUtf8());
+        Seed((text + "\n[ConfName]\nConfCount=1\nConf1=DEFAULT\n").toUtf8());
     }
     QStringList Section(const QString& name) const {
         QStringList lines;
@@ -343,14 +342,8 @@ protected:
         return WaitUntil([&] { return Transcript().size() >= lines; }, timeout, 10ms);
     }
     int KeyCount() const { return int(GameLines("keys.log").size()); }
-    // keys.log holds a line "<ms> <code>" a key, the time since the stand-in started.
-    std::vector<qint64> KeyTimes() const {
-        std::vector<qint64> times;
-        for (const QString& key : GameLines("keys.log"))
-            times.push_back(key.section(' ', 0, 0).toLongLong());
-        return times;
-    }
-    // The lines typed, without their Enter, and without an unfinished rest.
+    // The lines typed, without their Enter and an unfinished rest (keys.log: "<ms> <code>" a
+    // key, the time since the stand-in started).
     QStringList KeyTexts() const {
         QString typed;
         for (const QString& key : GameLines("keys.log"))
