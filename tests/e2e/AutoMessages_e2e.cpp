@@ -213,12 +213,7 @@ TEST_P(Watch, AServerThatCannotStartIsToldOnceAndNotStartedForever) {
     // The box's text, as Ctrl+C copies it.
     ASSERT_TRUE(Answer(*box, "ctrl+c"));
     QString text;
-    WaitUntil(
-        [&] {
-            text = desktop_.Run("xclip", {"-o", "-selection", "clipboard"}).value_or("");
-            return text.contains("cannot start");
-        },
-        10s);
+    WaitUntil([&] { return (text = Clipboard()).contains("cannot start"); }, 10s);
     EXPECT_TRUE(text.startsWith(title + "\n") && text.contains("Exit status: 3")) << text;
     std::this_thread::sleep_for(2s);
     EXPECT_EQ(GameLines("runs.txt").size(), recover ? 4 : 1);

@@ -46,8 +46,7 @@ TEST_F(Journey, FromAboutThroughAFirstRunToTheConfigurationList) {
     ASSERT_TRUE(Click(*about, "About", "Text1") && desktop_.Key("ctrl+a") &&
                 desktop_.Key("ctrl+c"));
     QStringList lines;
-    const auto clipboard = [&] { return desktop_.Run("xclip", {"-o", "-selection", "clipboard"}); };
-    WaitUntil([&] { return (lines = clipboard().value_or("").split('\n')).size() > 1; }, 5s);
+    WaitUntil([&] { return (lines = Clipboard().split('\n')).size() > 1; }, 5s);
     ASSERT_EQ(lines.size(), 28) << "27 lines, the last ended too";
     EXPECT_EQ(lines[0], "Hostwarden 2.0 by Velloquin");
     EXPECT_EQ(lines[22], "Note This");

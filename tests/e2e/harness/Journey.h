@@ -328,6 +328,9 @@ protected:
         return desktop_.Activate(box) && desktop_.Key(keys);
     }
     std::string Windows() const { return desktop_.Titles().join(", ").toStdString(); }
+    QString Clipboard() const {
+        return desktop_.Run("xclip", {"-o", "-selection", "clipboard"}).value_or("");
+    }
 
     QString GameDir() const { return game_ + "/"; }
     QString GameFile(const QString& name) const { return game_ + "/" + name; }
