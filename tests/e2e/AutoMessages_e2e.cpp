@@ -209,9 +209,8 @@ TEST_P(Watch, AServerThatCannotStartIsToldOnceAndNotStartedForever) {
     ASSERT_TRUE(ClickMain("CMDLaunch"));
     const QString title = recover ? "Server Recover" : "Dedicated Server Error";
     const auto box = desktop_.WaitFor(title, 6s);
-    ASSERT_TRUE(box) << Windows();
     // The box's text, as Ctrl+C copies it.
-    ASSERT_TRUE(Answer(*box, "ctrl+c"));
+    ASSERT_TRUE(box && Answer(*box, "ctrl+c")) << Windows();
     QString text;
     WaitUntil([&] { return (text = Clipboard()).contains("cannot start"); }, 10s);
     EXPECT_TRUE(text.startsWith(title + "\n") && text.contains("Exit status: 3")) << text;
