@@ -1,11 +1,10 @@
-// The operator's journeys through the main window: the first start (backup warning, Setup,
-// the first-run configuration) and later starts, minimizing, launching the stand-in server
-// and leaving the program.
+// The operator's journeys through the main window: every dialog and About, the settings
+// reset, the first run (backup warning, Setup, Browse), launching and leaving, the
+// configuration list and mods, hand-edited settings, a second start, the map rotation and the
+// packaged program.
 #include "Journey.h"
 
 #include <QFile>
-
-#include <algorithm>
 
 #include <sys/stat.h>
 
@@ -13,86 +12,118 @@ using namespace e2e;
 
 namespace {
 
-// The warning's Cancel ends the program and stores nothing; its OK leads to Setup, where
-// Browse finds the game directory: a folder without RF.EXE cannot be taken, the game's can.
-// Setup's OK stores the first-run configuration and opens the main window. A later start goes
-// straight to the main window and keeps the operator's own values.
-TEST_F(Journey, FirstRunWarningSetupAndALaterStart) {
-    const QByteArray seeded = "";
-    Seed(seeded);
+// About and "Fix Reg" answered Yes, then the first run that follows: the warning, Setup and
+// Browse, which takes the game directory and not a folder without RF.EXE. Launch, then Exit
+// answered Yes, which closes the server without asking to save: the launch stored the
+// configuration. A later start edits the configuration list and mods. Each window is left in
+// e2e-artifacts/window-<form>.png.
+TEST_F(Journey, FromAboutThroughAFirstRunToTheConfigurationList) {
+    const auto shoot = [&](WindowId window, const QString& form) {
+        desktop_.Run("import", {"-frame", "-window", QString::number(window),
+                                "png:" + ArtifactPath("window-" + form + ".png")});
+    };
+    ASSERT_NO_FATAL_FAILURE(StartMain());
+    shoot(main_, "Hostwarden");
+    const struct {
+        const char *opener, *title, *form, *closer;
+    } dialogs[] = {{"CMDMod", "Select a mod from the list", "Mods", "CMDCancel"},
+                   {"CMDNew", "Name?", "NewConf", "CMDCancel"},
+                   {"CMDCopy", "Copy DEFAULT to:", "CopyConfig", "CMDCancel"},
+                   {"CMDTextRate", "Set Text Rate", "Text_Rate", "Command2"},
+                   {"CMDMsgRate", "Message Rate", "MsgRate", "CMDCancel"},
+                   {"CMDAddMap", "Select Maps", "ShippedMaps", "CMDCancel"},
+                   {"CMDAbout", "About-Help", "About", nullptr}};
+    for (const auto& d : dialogs) {
+        ASSERT_TRUE(ClickMain(d.opener));
+        const auto window = desktop_.WaitFor(d.title);
+        ASSERT_TRUE(window) << d.title << " missing; windows: " << Windows();
+        shoot(*window, d.form);
+        ASSERT_TRUE(!d.closer || (Click(*window, d.form, d.closer) && desktop_.WaitGone(*window)));
+    }
+    auto about = desktop_.Find("About-Help");
+    ASSERT_TRUE(ClickMain("CMDExit"));
+    EXPECT_FALSE(desktop_.WaitFor(kExitTitle, 1s)) << "the main window took a click";
+    ASSERT_TRUE(Click(*about, "About", "Text1") && desktop_.Key("ctrl+a") &&
+                desktop_.Key("ctrl+c"));
+    QStringList lines;
+    WaitUntil([&] { return (lines = Clipboard().split('\n')).size() > 1; }, 5s);
+    ASSERT_EQ(lines.size(), 28) << "27 lines, the last ended too";
+    EXPECT_EQ(lines[0], "Hostwarden 2.0 by Velloquin");
+    EXPECT_EQ(lines[22], "Note This");
+    EXPECT_TRUE(lines[23].startsWith("If you wish to use the Server Recovery option you MUST use "
+                                     "AutoMessages."));
+    ASSERT_TRUE(Click(*about, "About", "CMDOK") && desktop_.WaitGone(*about));
+    ASSERT_TRUE(ClickMain("CMDExit"));
+    auto question = desktop_.WaitFor(kExitTitle);
+    ASSERT_TRUE(question && Answer(*question, "Return")) << "the main window takes no input";
+
+    ASSERT_TRUE(ClickMain("CMDAbout") && (about = desktop_.WaitFor("About-Help")));
+    ASSERT_TRUE(Click(*about, "About", "CMDReset"));
+    ASSERT_TRUE(question = desktop_.WaitFor("Reset Application Registry Entries?"));
+    ASSERT_TRUE(Answer(*question, "alt+y"));
+    EXPECT_TRUE(hostwarden_.WaitForExit(10s)) << Windows();
+    const QByteArray emptied = Settings();
+    EXPECT_EQ(emptied.trimmed(), "");
+
     hostwarden_ = StartHostwarden();
     auto warning = desktop_.WaitFor("Warning");
-    ASSERT_TRUE(warning) << "no warning; windows: " << Windows();
-    ASSERT_TRUE(Answer(*warning, "Escape")); // Cancel of an OK/Cancel box
+    ASSERT_TRUE(warning && Answer(*warning, "Escape")) << Windows(); // Cancel
     EXPECT_TRUE(hostwarden_.WaitForExit(10s));
     EXPECT_FALSE(desktop_.Find("Setup"));
-    EXPECT_EQ(Settings(), seeded);
-
+    EXPECT_EQ(Settings(), emptied);
     hostwarden_ = StartHostwarden();
     ASSERT_TRUE(warning = desktop_.WaitFor("Warning"));
     EXPECT_FALSE(desktop_.Find("Setup")) << "Setup is shown only after the warning";
     ASSERT_TRUE(Answer(*warning, "Return"));
     const auto setup = desktop_.WaitFor("Setup");
-    ASSERT_TRUE(setup) << "no Setup after the warning's OK";
-    ASSERT_TRUE(Click(*setup, "Setup", "CMDOK"));
-    ASSERT_TRUE(Click(*setup, "Setup", "CMDBrowse"));
+    ASSERT_TRUE(setup);
+    shoot(*setup, "Setup");
+    ASSERT_TRUE(Click(*setup, "Setup", "CMDOK") && Click(*setup, "Setup", "CMDBrowse"));
     const auto browse = desktop_.WaitFor("Browse");
+    ASSERT_TRUE(browse);
+    shoot(*browse, "Browse");
+    ASSERT_TRUE(Click(*setup, "Setup", "CMDBrowse")); // beside Browse, on the disabled Setup
+    EXPECT_TRUE(WaitUntil([&] { return desktop_.Active() == browse; }, 5s)) << "Browse in front";
     // The folder list opens at the home, which holds "config" and the game.
-    ASSERT_TRUE(browse && Answer(*browse, "Tab") && desktop_.Run("xdotool", {"type", "config"}))
-        << Windows();
+    ASSERT_TRUE(Answer(*browse, "Tab") && desktop_.Run("xdotool", {"type", "config"}));
     ASSERT_TRUE(Click(*browse, "Browse", "CMDOK"));
     EXPECT_FALSE(desktop_.WaitGone(*browse, 1s)) << "OK taken in a folder without RF.EXE";
     EXPECT_FALSE(desktop_.Find(kMainTitle)) << "Setup's OK is disabled without a directory";
     ASSERT_TRUE(desktop_.Run("xdotool", {"type", "game"}));
-    ASSERT_TRUE(Click(*browse, "Browse", "CMDOK"));
-    ASSERT_TRUE(desktop_.WaitGone(*browse)) << "OK not taken in the game directory";
+    ASSERT_TRUE(Click(*browse, "Browse", "CMDOK") && desktop_.WaitGone(*browse));
     ASSERT_TRUE(Click(*setup, "Setup", "CMDOK"));
-    main_ = desktop_.WaitFor(kMainTitle).value_or(0);
-    ASSERT_TRUE(main_) << "Setup's OK did not lead on; windows: " << Windows();
+    ASSERT_TRUE(main_ = desktop_.WaitFor(kMainTitle).value_or(0)) << Windows();
     EXPECT_TRUE(desktop_.WaitGone(*setup)) << "Setup stays after its OK";
     const QStringList startup = Section("Startup");
-    EXPECT_TRUE(startup.contains("HasRunSetup=1"));
-    EXPECT_TRUE(std::any_of(startup.begin(), startup.end(), [](const QString& line) {
-        return line.startsWith("RFLocation=/") && line.endsWith("game/");
-    })) << startup.join(' ').toStdString();
-    // The main window shows DEFAULT: its Launch starts the server with that configuration.
+    EXPECT_TRUE(startup.contains("HasRunSetup=1") &&
+                startup.filter(QRegularExpression("^RFLocation=/.*/game/$")).size() == 1)
+        << startup.join(' ');
+
+    // The main window shows DEFAULT.
     ASSERT_TRUE(ClickMain("CMDLaunch"));
-    ASSERT_TRUE(WaitUntil([&] { return !GameLines("commandline.txt").isEmpty(); }, 20s));
-    EXPECT_EQ(GameLines("commandline.txt").mid(1).join(' '), "-dedicated DEFAULT");
-    ASSERT_TRUE(hostwarden_.IsRunning());
-    hostwarden_.Stop();
+    const auto server = desktop_.WaitFor(kServerTitle);
+    ASSERT_TRUE(server) << Windows();
+    EXPECT_EQ(GameLines("commandline.txt").mid(1), QStringList({"-dedicated", "DEFAULT"}));
+    ASSERT_TRUE(ClickMain("CMDExit") && (question = desktop_.WaitFor(kExitTitle)));
+    ASSERT_TRUE(Answer(*question, "alt+y"));
+    EXPECT_TRUE(hostwarden_.WaitForExit(15s)) << "still running; windows: " << Windows();
+    EXPECT_TRUE(desktop_.WaitGone(*server)) << "the server window was not closed";
+    EXPECT_TRUE(
+        WaitUntil([&] { return ReadFile(GameFile("events.txt")).contains("closed pid"); }, 10s));
 
-    QByteArray settings = Settings();
-    ASSERT_TRUE(settings.contains("\nmaxplayers=16\n"));
-    Seed(settings.replace("\nmaxplayers=16\n", "\nmaxplayers=12\n"));
     hostwarden_ = StartHostwarden();
-    bool firstRunWindows = false;
-    ASSERT_TRUE(WaitUntil(
-        [&] {
-            const QStringList titles = desktop_.Titles();
-            firstRunWindows |= titles.contains("Warning") || titles.contains("Setup");
-            return titles.contains(kMainTitle);
-        },
-        20s))
-        << "no main window; windows: " << Windows();
-    EXPECT_FALSE(firstRunWindows);
-    EXPECT_TRUE(Section("Default").contains("maxplayers=12"));
-    EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=1", "Conf1=DEFAULT"}));
-}
+    // The main window comes only without the first run's boxes, which wait for an answer.
+    ASSERT_TRUE(main_ = desktop_.WaitFor(kMainTitle).value_or(0)) << Windows();
 
-// New takes a typed name without its blanks, in capitals; Copy carries the fields but not the
-// mod; Delete renumbers the list. A mod picked in the Mods dialog ends the next launch's command
-// line; Remove drops it again.
-TEST_F(Journey, ConfigurationListAndMods) {
-    ASSERT_NO_FATAL_FAILURE(StartMain());
+    // New takes a typed name without its blanks, in capitals; Copy carries the fields but not
+    // the mod; Delete renumbers the list.
     ASSERT_TRUE(ClickMain("CMDNew"));
     auto name = desktop_.WaitFor("Name?");
+    ASSERT_TRUE(name && desktop_.Activate(*name) && desktop_.Run("xdotool", {"type", "test 1"}));
     EXPECT_TRUE(
-        name &&
         desktop_.Run("xprop", {"-id", QString::number(*name)})->contains("WM_TRANSIENT_FOR"))
         << "NewConf has no taskbar entry of its own";
-    ASSERT_TRUE(name && desktop_.Activate(*name) && desktop_.Run("xdotool", {"type", "test 1"}) &&
-                desktop_.Key("Return"));
+    ASSERT_TRUE(desktop_.Key("Return"));
     ASSERT_TRUE(desktop_.WaitGone(*name));
     EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=2", "Conf1=DEFAULT", "Conf2=TEST1"}));
     const QStringList test1 = Section("TEST1");
@@ -112,15 +143,14 @@ TEST_F(Journey, ConfigurationListAndMods) {
 
     // The list's edit field takes the focus; Up selects the entry before COPY.
     ASSERT_TRUE(ClickMain("LSTConfig") && desktop_.Key("Up") && ClickMain("CMDDelete"));
-    auto question = desktop_.WaitFor("Delete Configuration?");
-    ASSERT_TRUE(question && Answer(*question, "alt+y"));
-    auto notice = desktop_.WaitFor("Settings Deleted");
-    ASSERT_TRUE(notice && Answer(*notice, "Return"));
+    ASSERT_TRUE((question = desktop_.WaitFor("Delete Configuration?")) &&
+                Answer(*question, "alt+y"));
+    ASSERT_TRUE((question = desktop_.WaitFor("Settings Deleted")) && Answer(*question, "Return"));
     EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=2", "Conf1=DEFAULT", "Conf2=COPY"}));
     EXPECT_TRUE(Section("TEST1").isEmpty());
 
-    // Demo mods: Classic and Rocketball hold packages; EmptyMod and Nested do not. The list
-    // takes the focus on its first entry, unselected.
+    // Of the demo mods only Classic and Rocketball hold packages, EmptyMod and Nested do not.
+    // The list takes the focus on its first entry, unselected.
     for (const auto& [keys, mod] :
          {std::pair{"Down Down", "Rocketball"}, {"Down Up", "Classic"}, {"", "None"}}) {
         ASSERT_TRUE(ClickMain(*keys ? "CMDMod" : "CMDRemovemod"));
@@ -136,39 +166,6 @@ TEST_F(Journey, ConfigurationListAndMods) {
     }
 }
 
-class Launch : public Journey, public testing::WithParamInterface<const char*> {};
-
-// The launch stores the configuration under its list entry before it builds the command
-// line, so the server is started with the entry's spelling. Exit answered Yes closes the
-// server and ends the program (answered No, see the questions journey of the messages).
-TEST_P(Launch, WritesTheOptionsStartsTheServerStoresAndExitClosesIt) {
-    const QString entry = GetParam();
-    ASSERT_NO_FATAL_FAILURE(StartMain({.listEntry = entry}));
-    ASSERT_FALSE(QFile::exists(GameFile("dedicated_server.txt")));
-    ASSERT_TRUE(ClickMain("CMDLaunch"));
-
-    const auto server = desktop_.WaitFor(kServerTitle);
-    ASSERT_TRUE(server) << "no server window; windows: " << Windows();
-    EXPECT_EQ(ReadFile(GameFile("dedicated_server.txt")), kFirstRunOptions);
-    const QStringList arguments = GameLines("commandline.txt");
-    ASSERT_FALSE(arguments.isEmpty());
-    EXPECT_TRUE(arguments[0].endsWith("/RF.EXE")) << arguments[0];
-    EXPECT_EQ(arguments.mid(1), QStringList({"-dedicated", entry}));
-    EXPECT_TRUE(Section("Default").contains("name=" + entry)) << Settings().toStdString();
-
-    ASSERT_TRUE(ClickMain("CMDExit"));
-    const auto question = desktop_.WaitFor(kExitTitle);
-    ASSERT_TRUE(question);
-    ASSERT_TRUE(Answer(*question, "alt+y"));
-    // The launch stored the configuration: no question about saving changes comes.
-    EXPECT_TRUE(hostwarden_.WaitForExit(15s)) << "still running; windows: " << Windows();
-    EXPECT_TRUE(desktop_.WaitGone(*server)) << "the server window was not closed";
-    EXPECT_TRUE(
-        WaitUntil([&] { return ReadFile(GameFile("events.txt")).contains("closed pid"); }, 10s));
-}
-
-INSTANTIATE_TEST_SUITE_P(ListEntries, Launch, testing::Values("DEFAULT", "Default"));
-
 // A FIFO as settings file gives "Settings Error"; a huge ConfCount still opens the window; 320
 // typed port digits stay; Minimize iconifies the window and a second start brings it forward;
 // a dead one blocks nothing.
@@ -176,16 +173,14 @@ TEST_F(Journey, HandEditsAndASecondStartAreSurvived) {
     ASSERT_EQ(::mkfifo(QFile::encodeName(SettingsFile()).constData(), 0600), 0);
     hostwarden_ = StartHostwarden();
     const auto refused = desktop_.WaitFor("Settings Error", 10s);
-    ASSERT_TRUE(refused) << "windows: " << Windows();
-    ASSERT_TRUE(Answer(*refused, "Return"));
+    ASSERT_TRUE(refused && Answer(*refused, "Return")) << Windows();
     EXPECT_TRUE(hostwarden_.WaitForExit(10s));
     ASSERT_TRUE(QFile::remove(SettingsFile()));
 
     Seed(LaterRun{});
     Seed(Settings().replace("ConfCount=1", "ConfCount=999999999"));
     hostwarden_ = StartHostwarden();
-    main_ = desktop_.WaitFor(kMainTitle, 5s).value_or(0);
-    ASSERT_NE(main_, 0u) << "no main window within 5 s; windows: " << Windows();
+    ASSERT_TRUE(main_ = desktop_.WaitFor(kMainTitle, 5s).value_or(0)) << Windows();
 
     const QString digits(320, u'7');
     ASSERT_TRUE(ClickMain("CHKPort") && ClickMain("TXTPort"));
@@ -209,14 +204,13 @@ TEST_F(Journey, HandEditsAndASecondStartAreSurvived) {
 
     hostwarden_.Stop(); // SIGTERM: no handler runs, the socket file stays
     hostwarden_ = StartHostwarden();
-    EXPECT_TRUE(desktop_.WaitFor(kMainTitle, 10s)) << "windows: " << Windows();
+    EXPECT_TRUE(desktop_.WaitFor(kMainTitle, 10s)) << Windows();
 }
 
-// Builds the rotation through "Select Maps" by keyboard, ">" then Down a pick: one pick more
-// than a list holds picks its last level twice, showing where it ends. Cancel drops the picks,
-// OK appends them to the rotation, Launch writes it. The list takes the focus (Tab reaches it
-// from "Custom Maps") with nothing selected; Down and Home select the first entry. The count
-// label, which no X property holds, is read as a screen reader reads it.
+// Picks by keyboard, ">" then Down a pick: one pick more than a list holds picks its last level
+// twice, showing where it ends. The list takes the focus (Tab reaches it from "Custom Maps")
+// with nothing selected; Down and Home select the first entry. The count label, which no X
+// property holds, is read as a screen reader reads it.
 TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
     Seed(LaterRun{});
     Seed(Settings().replace("MapCount=0", "MapCount=1\nmap0=ctf05.rfl"));
@@ -247,12 +241,8 @@ TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
         EXPECT_TRUE(WaitUntil([&] { return written().endsWith(maps); }, 10s)) << written().data();
     };
     const auto countShows = [&](const QString& caption) {
-        return WaitUntil(
-            [&] {
-                const auto labels = desktop_.Run(ACCESSIBLE, {"labels", kMainTitle});
-                return labels && labels->split('\n').contains(caption);
-            },
-            10s);
+        const auto labels = [&] { return desktop_.Run(ACCESSIBLE, {"labels", kMainTitle}); };
+        return WaitUntil([&] { return labels().value_or("").split('\n').contains(caption); }, 10s);
     };
     const auto numbered = [](const char* prefix, int last) {
         QStringList levels;
@@ -277,6 +267,33 @@ TEST_F(Journey, MapSelectionBuildsTheRotationFromTheDemoGame) {
     launchWrites(numbered("dm", 20) + QStringList{"dm_arena.rfl", "dm_warehouse.rfl",
                                                   "dm_sewers.rfl", "dm_arena.rfl", "dm_yard.rfl",
                                                   "dm_yard.rfl"});
+}
+
+// The Debian package unpacked into a throw-away root, never installed here: its demo-game
+// command lays out a game, its hostwarden runs on it and launches the packaged stand-in.
+TEST_F(Journey, PackagedProgramRunsOnItsDemoGame) {
+    QTemporaryDir root;
+    ASSERT_TRUE(desktop_.Run("dpkg-deb", {"-x", HOSTWARDEN_DEB, root.path()}));
+    Process demo(root.filePath("usr/bin/hostwarden-demo-game"), {gameParent_.filePath("demo")},
+                 {"HOME=" + home_.path()});
+    ASSERT_TRUE(demo.WaitForExit(30s) && demo.ExitCode() == 0);
+    game_ = gameParent_.filePath("demo");
+    EXPECT_EQ(demo.Output(), GameDir() + "\n");
+
+    Seed(LaterRun{});
+    hostwarden_ = StartHostwarden(std::nullopt, root.filePath("usr/bin/hostwarden"));
+    ASSERT_TRUE(main_ = desktop_.WaitFor(kMainTitle, 30s).value_or(0)) << Windows();
+    // The desktop shell ties the window to its menu entry through the window class.
+    const QString wmClass = desktop_.Run("xprop", {"-id", QString::number(main_), "WM_CLASS"})
+                                .value_or("")
+                                .section('"', 3, 3);
+    EXPECT_TRUE(ReadFile(root.filePath("usr/share/applications/" HOSTWARDEN_APP_ID ".desktop"))
+                    .contains("\nStartupWMClass=" + wmClass.toUtf8() + "\n"))
+        << wmClass;
+
+    ASSERT_TRUE(ClickMain("CMDLaunch"));
+    EXPECT_TRUE(desktop_.WaitFor(kServerTitle)) << Windows();
+    EXPECT_TRUE(GameLines("commandline.txt").value(0).startsWith(GameDir())) << "not the demo's";
 }
 
 } // namespace

@@ -15,10 +15,8 @@ protected:
 // list), the chat line arrives whole, and a second launch leaves one server.
 TEST_F(Wayland, TheConsoleIsAnX11WindowThatGetsItsLines) {
     ASSERT_NO_FATAL_FAILURE(StartMain({.messages = {"hello wayland", "", "", ""}}, 20));
-    ASSERT_TRUE(ClickMain("CMDLaunch"));
-    ASSERT_TRUE(desktop_.WaitFor(kServerTitle)) << Windows();
+    ASSERT_TRUE(ClickMain("CMDLaunch") && WaitForTranscript(1, 30s)) << Windows();
     EXPECT_TRUE(desktop_.Run("xwininfo", {"-root", "-tree"})->contains('"' + kServerTitle + '"'));
-    ASSERT_TRUE(WaitForTranscript(1, 30s));
     EXPECT_EQ(Transcript(), QStringList{"say hello wayland"});
 
     // Window ids come back into use at once under Xwayland: the server's own word it closed.
