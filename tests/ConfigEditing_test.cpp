@@ -280,10 +280,8 @@ TEST(ConfigList, NewCopyAndDeleteKeepTheListNumberedAndRefuseWhatWouldHarmIt) {
         QString stored = {};    // "section/key=value;..." that must hold afterwards
     } rows[] = {
         // clang-format off
-        {"new, typed with a blank", "", 0, "CMDNew", "test 1", Yes, {}, "DEFAULT A B C TEST1",
-         "TEST1", "TEST1", "TEST1/servname=$Me's Dedicated CTF running Hostwarden 2.0;TEST1/Mod="},
-        {"new after a hand-edited count", "ConfName/ConfCount=999999999", 0, "CMDNew", "n", Yes, {},
-         "DEFAULT A B C N", "N", "N", "ConfName/ConfCount=5"},
+        {"new, typed with a blank, after a hand-edited count", "ConfName/ConfCount=999999999", 0,
+         "CMDNew", "n 1", Yes, {}, "DEFAULT A B C N1", "N1", "N1", "ConfName/ConfCount=5"},
         {"new named like an entry in another case", "ConfName/Conf2=a", 0, "CMDNew", "A",
          Yes, {"Field Error: A configuration with this name already exists. Choose a new name to "
                "continue"}, "", "DEFAULT", "Default"},
