@@ -87,36 +87,16 @@ QByteArray Word(quint32 value) {
     return bytes;
 }
 
-// A version-1 header (signature, version, file count, archive size), then the directory from
-// block 1: each record the name in 60 bytes and the data's size, closed by an empty record, so
-// that a full directory block gets one more. Each level's data is block-aligned.
-TEST(VppArchive, WritesAVersion1ArchiveThatReadsBack) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath("pack.vpp");
-    QList<VppEntry> entries;
-    QStringList names;
-    for (int i = 0; i < 32; ++i)
-        entries << VppEntry{names.emplace_back(QStringLiteral("dm%1.rfl").arg(i)), "level data"};
-    ASSERT_TRUE(WriteVppArchive(path, entries));
-    const VppDirectory read = ReadVppDirectory(path);
-    EXPECT_TRUE(read.ok) << read.error.toStdString();
-    EXPECT_EQ(read.names, names);
-    const quint32 size = 2048 * (1 + 2 + 32);
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.read(16), Word(0x51890ACE) + Word(1) + Word(32) + Word(size));
-    EXPECT_EQ(file.size(), size);
-    EXPECT_TRUE(file.seek(2048) &&
-                file.read(64) == QByteArray("dm0.rfl").leftJustified(60, '\0') + Word(10));
-    EXPECT_TRUE(file.seek(2048 + 32 * 64) && file.read(64) == QByteArray(64, '\0'));
-    EXPECT_TRUE(file.seek(size - 2048) && file.read(11) == QByteArray("level data\0", 11));
-}
-
 // The directory as far as it goes: from byte 2048, 64 bytes an entry, names trimmed and
 // kept in their case, up to an empty entry or the end of the file; under a valid version-1
 // header no further than its file count, so that a full last block or a stale entry after
-// the last never yields a name. Only regular files are read.
+// the last never yields a name. Only regular files are read. The project's writer gives a
+// version-1 header (signature, version, file count, archive size), a record per level (the
+// name in 60 bytes, the data's size) closed by an empty one, so that a full directory block
+// gets one more, and block-aligned data.
 TEST(VppArchive, ReadsTheDirectoryAsFarAsItGoes) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("pack.vpp");
     QByteArray hand(kVppBlock, '\x7f'); // a header block that is no valid header
     for (const QByteArray& record :
          QList<QByteArray>{"  dm03.rfl  ", "CTF02.RFL", "My Level.rfl", "caf\xe9.rfl",
@@ -128,6 +108,15 @@ TEST(VppArchive, ReadsTheDirectoryAsFarAsItGoes) {
     QStringList names;
     for (int i = 0; i < 32; ++i)
         levels << VppEntry{names.emplace_back(QStringLiteral("dm%1.rfl").arg(i)), "level data"};
+    ASSERT_TRUE(WriteVppArchive(path, levels));
+    QFile written(path);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    const QByteArray closed = written.readAll();
+    EXPECT_EQ(closed.size(), 2048 * 35);
+    EXPECT_EQ(closed.left(16), Word(0x51890ACE) + Word(1) + Word(32) + Word(2048 * 35));
+    EXPECT_EQ(closed.mid(2048, 64), QByteArray("dm0.rfl").leftJustified(60, '\0') + Word(10));
+    EXPECT_EQ(closed.mid(2048 + 32 * 64, 64), QByteArray(64, '\0'));
+    EXPECT_EQ(closed.mid(2048 * 34, 11), QByteArray("level data\0", 11));
     const QByteArray full = BuildVppArchive(levels, false); // the data right after the block
     QByteArray stale = BuildVppArchive(levels.mid(0, 3));
     stale.replace(kVppBlock + 3 * kVppEntrySize, 9, "ctf99.rfl");
@@ -143,14 +132,13 @@ TEST(VppArchive, ReadsTheDirectoryAsFarAsItGoes) {
         {"header only", hand.left(2048), {}, before},
         {"cut in an entry", hand.left(2048 + 64 + 20), {"dm03.rfl"}, inside},
         {"cut after 6 entries", hand.left(2048 + 6 * 64), handNames, inside},
+        {"written", closed, names},
         {"full last block", full, names},
         {"stale tail", stale, names.mid(0, 3)},
         {"stale tail, version 2", stale.left(4) + Word(2) + stale.mid(8),
          names.mid(0, 3) << "ctf99.rfl"},
         {"cut under a header", stale.left(2048 + 2 * 64 + 10), names.mid(0, 2), inside},
     };
-    QTemporaryDir dir;
-    const QString path = dir.filePath("pack.vpp");
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         QFile file(path);
