@@ -249,8 +249,6 @@ TEST(OptionsText, ValuesAreRenderedAsTheFileExpects) {
                  "$Max Players:    \r\n"},
                 {"any non-zero boolean is True", [](AppState& s) { s.teamdamage = 1; },
                  "$Team Damage:    True\r\n"},
-                {"weapons stay value starts one column later",
-                 [](AppState& s) { s.weaponstay = kTrue; }, "$Weapons Stay:    True\r\n"},
                 {"quotes and line breaks are not escaped",
                  [](AppState& s) { s.password = "a\"b\r\nc"; },
                  "$Password:       \"a\"b\r\nc\"\r\n"},

@@ -61,7 +61,6 @@ TEST_F(StoreTest, NamesIgnoreCaseAndKeepTheirFirstSpellingAndPlace) {
     store.SaveSetting(App, "Startup", "HasRunSetup", "1");
     store.SaveSetting(App, "Default", "gametype", "CTF");
     store.SaveSetting(App, "Startup", "Port", "0");
-    store.SaveSetting(App, "STARTUP", "HASRUNSETUP", "1");
     store.SaveSetting(App, "default", "MapCount", "1");
     store.SaveSetting(App, "DEFAULT", "mapcount", "2");
     store.SaveSetting(App, "Été", "Clé", "first");
