@@ -19,6 +19,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+void PrintTo(const QString& s, std::ostream* os) {
+    *os << '"' << s.toStdString() << '"';
+}
+
 namespace {
 
 const QString App = QStringLiteral("Hostwarden 2.0");
