@@ -51,6 +51,7 @@ TEST(Setup, FirstRunStoresFreshDefaultsAtOnceOnOKAndEndsOnCancel) {
         EXPECT_EQ(r.NotHeld("Startup/HasRunSetup=1;Startup/RFLocation=/games/rf/;ConfName/"
                             "ConfCount=1;ConfName/Conf1=DEFAULT;Default/maxplayers=16"),
                   "");
+        EXPECT_EQ(r.app.GameDir, "/games/rf/");
         EXPECT_EQ(r.forms.Setup, nullptr);
         EXPECT_FALSE(setup->isVisible());
         ASSERT_TRUE(main);
@@ -150,16 +151,17 @@ TEST(Startup, LoadsDefaultRestoresThePreferencesAlongTheirChainAndStoresTheirCha
                   std::pair(port, port));
         EXPECT_EQ(ui->TXTPort->text(), row.portText);
         EXPECT_TRUE(!port || m.t.Get("Startup", "PortNum") == row.portText);
+        EXPECT_EQ(m.app.Saved, "yes");
+        EXPECT_FALSE(m.timer("TMRAdds")->isActive() || m.timer("TMRSend")->isActive());
     }
     MainWindow m;
     auto& ui = m.Start().ui();
     // The worked example of the options file is what a first run shows.
     EXPECT_EQ(m.Text().toLatin1(), texts::kFirstRunOptions);
-    EXPECT_EQ(QStringList({m.app.CurrentConf, m.app.Saved, ui.LSTConfig->currentText(),
+    EXPECT_EQ(QStringList({m.app.CurrentConf, ui.LSTConfig->currentText(),
                            QString::number(ui.LSTConfig->count()), ui.TXTConfName->text(),
                            ui.TXTMod->text(), ui.MCS->text()}),
-              QStringList({"DEFAULT", "yes", "DEFAULT", "1", "Default", "None", "0 Maps"}));
-    EXPECT_FALSE(m.timer("TMRAdds")->isActive() || m.timer("TMRSend")->isActive());
+              QStringList({"DEFAULT", "DEFAULT", "1", "Default", "None", "0 Maps"}));
 
     // The operator's clicks and typed ports are stored.
     for (QCheckBox* box : {ui.CHKGameTracker, ui.CHKServRec, ui.CHKPort})
