@@ -200,7 +200,7 @@ TEST(LoadAndSave, LoadReplacesEditsSaveRewritesTheWholeSectionOrNothing) {
     EXPECT_EQ(m.t.beeper.beeps, 1);
     EXPECT_EQ(m.app.Saved, "yes");
     // Rewritten from scratch, so no key of the removed map is left behind.
-    EXPECT_EQ(m.t.store.Dump(kAppName, "CLAN").join(';').toStdString(),
+    EXPECT_EQ(Dump(m.t.store, kAppName, "CLAN").join(';').toStdString(),
               "gametype=CTF;servname=Clan Night;name=CLAN;maxplayers=8;password=secret;"
               "rconpass=rc;maxtime=20;maxcaps=3;maxkills=25;maxgeo=64;teamdamage=True;"
               "forcespawn=True;balance=False;weaponstay=True;falldamage=False;map0=ctf05;"

@@ -347,12 +347,10 @@ TEST_F(StoreTest, KilledSaveLeavesAWholeConfiguration) {
 
         // Whole: the very keys and values that saving its round writes, in their order.
         IniSettingsStore after(folder);
-        QStringList stored;
-        for (const QString& key : after.KeyNames(App, "Default"))
-            stored << key + "=" + after.GetSetting(App, "Default", key);
+        const QStringList stored = Dump(after, App, "Default");
         MemorySettingsStore whole;
         save(whole, stored.value(1).section('=', 1).toInt());
-        partial += stored != whole.Dump(App, "Default");
+        partial += stored != Dump(whole, App, "Default");
         EXPECT_EQ(FolderEntries(folder), QStringList{"Hostwarden 2.0.ini"}) << "temp file left";
     }
     EXPECT_EQ(partial, 0) << "of 300 kills";

@@ -75,8 +75,8 @@ TEST(StoredConfig, FirstRunAndNewConfigurationsWriteTheirDefaultsAndResetDeletes
     CreateDefaultConfig(m.t.store, kAppName);
     QStringList expected = firstRun;
     expected.insert(1, "map0=ctf01");
-    EXPECT_EQ(m.t.store.Dump(kAppName, "Default"), expected);
-    EXPECT_EQ(m.t.store.Dump(kAppName, "ConfName"),
+    EXPECT_EQ(Dump(m.t.store, kAppName, "Default"), expected);
+    EXPECT_EQ(Dump(m.t.store, kAppName, "ConfName"),
               QStringList({"ConfCount=1", "Conf2=CLAN", "Conf1=DEFAULT"}));
     EXPECT_EQ(m.t.Get("CLAN", "map0"), "ctf01");
 
@@ -92,7 +92,7 @@ TEST(StoredConfig, FirstRunAndNewConfigurationsWriteTheirDefaultsAndResetDeletes
     expected.replace(2, "name=CLAN");
     expected.insert(15, "mapcount=0");
     expected.insert(17, "Mod=");
-    EXPECT_EQ(m.t.store.Dump(kAppName, "CLAN"), expected);
+    EXPECT_EQ(Dump(m.t.store, kAppName, "CLAN"), expected);
     EXPECT_EQ(m.NotHeld("HALF/map0=ctf01;HALF/default=1"), "");
 
     // "Fix Reg" answered Yes (No is the About journey's).
