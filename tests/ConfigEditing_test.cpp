@@ -1,10 +1,18 @@
+// Editing a configuration in the main window: its fields, the options text they make and
+// the file it is written to, loading and saving, and the list commands New, Copy and Delete.
 #include "MainWindow.h"
 
+#include "options/OptionsText.h"
+#include "settings/ConfigList.h"
 #include "ui/settings/ConfigHandlers.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -25,43 +33,10 @@ MainWindow& WithClan(MainWindow& m, const QString& changes = {}) {
 
 } // namespace
 
-TEST(GameType, EachOptionSetsItsTypeLimitsNameAndEmptiesTheMaps) {
-    const struct {
-        const char* option;
-        QString type;
-        bool kills, caps;
-    } rows[] = {{"OPTDM", "DM", true, false},
-                {"OPTTDM", "TeamDM", true, false},
-                {"OPTCTF", "CTF", false, true}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.option);
-        MainWindow m;
-        auto& ui = m.Start().ui();
-        if (QString(row.option) == "OPTCTF")
-            ui.OPTDM->setChecked(true);
-        ui.LSTMaps->addItems({"ctf01", "ctf02"});
-        ui.TXTServName->setText("typed by the operator");
-        m.app.Saved = "yes";
-        auto* option = m.w->findChild<QRadioButton*>(row.option);
-        option->click();
-        EXPECT_EQ(ui.TXTServName->text(), "$ME's Dedicated " + row.type);
-        EXPECT_TRUE(m.Text().contains("$Server Name:    \"$ME's Dedicated " + row.type +
-                                      "\"\r\n$Game Type:      \"" + row.type + "\"\r\n"));
-        EXPECT_EQ(std::pair(ui.MaxKills->isEnabled(), ui.MaxCaps->isEnabled()),
-                  std::pair(row.kills, row.caps));
-        EXPECT_EQ(QStringList({ui.MCS->text(), m.app.Saved}), QStringList({"0 Maps", "no"}));
-        EXPECT_TRUE(m.Maps().isEmpty());
-        // Clicking the selected option again keeps it, and the maps with it.
-        ui.LSTMaps->addItem("ctf01");
-        QTest::mouseClick(option, Qt::LeftButton);
-        EXPECT_TRUE(option->isChecked());
-        EXPECT_EQ(m.Maps(), QStringList{"ctf01"});
-    }
-}
-
 // Choosing from a list and every keystroke in a text field mark the configuration changed and
 // show at once in the options text (which control feeds which field: the save's round trip).
-TEST(ConfigFields, EveryChoiceAndKeystrokeShowsAtOnceTypingInAListDoesNot) {
+// A game type sets its limits and server name and empties the maps; chosen again it keeps them.
+TEST(ConfigFields, EveryChoiceAndKeystrokeShowsAtOnceTypingInAListPicksNothing) {
     MainWindow m;
     auto& ui = m.Start().ui();
     // A hand edit of the options box counts as a change and lasts until a rebuild.
@@ -95,11 +70,10 @@ TEST(ConfigFields, EveryChoiceAndKeystrokeShowsAtOnceTypingInAListDoesNot) {
     // the entry that matches; the configuration list keeps CurrentConf.
     const QString before = m.Text();
     m.app.CurrentConf = "Typed over";
-    const QList<QPair<QComboBox*, QString>> lists = {{ui.MaxPlayers, "20"},
-                                                     {ui.MaxTime, "1"},
-                                                     {ui.TeamDamage, "true"},
-                                                     {ui.LSTConfig, "default"}};
-    for (const auto& [list, typed] : lists) {
+    for (const auto& [list, typed] : QList<QPair<QComboBox*, QString>>{{ui.MaxPlayers, "20"},
+                                                                       {ui.MaxTime, "1"},
+                                                                       {ui.TeamDamage, "true"},
+                                                                       {ui.LSTConfig, "default"}}) {
         const int index = list->currentIndex();
         list->lineEdit()->selectAll();
         QTest::keyClicks(list->lineEdit(), typed);
@@ -116,59 +90,35 @@ TEST(ConfigFields, EveryChoiceAndKeystrokeShowsAtOnceTypingInAListDoesNot) {
     ui.TXTConfName->clear();
     QTest::keyClicks(ui.TXTConfName, "A B C");
     EXPECT_EQ(QStringList({ui.TXTConfName->text(), m.app.name}), QStringList({"ABC", "ABC"}));
-}
 
-TEST(Banner, ShowsTheUpdateNoticeThenBeeps) {
-    MainWindow m;
-    m.Start();
+    for (const auto& [option, type] :
+         {std::pair{ui.OPTDM, "DM"}, {ui.OPTTDM, "TeamDM"}, {ui.OPTCTF, "CTF"}}) {
+        ui.LSTMaps->addItems({"ctf01", "ctf02"});
+        m.app.Saved = "yes";
+        option->click();
+        EXPECT_EQ(ui.TXTServName->text(), "$ME's Dedicated " + QString(type));
+        EXPECT_TRUE(m.Text().contains(QString("$Server Name:    \"$ME's Dedicated %1\"\r\n"
+                                              "$Game Type:      \"%1\"\r\n")
+                                          .arg(type)));
+        EXPECT_EQ(std::pair(ui.MaxKills->isEnabled(), ui.MaxCaps->isEnabled()),
+                  std::pair(option != ui.OPTCTF, option == ui.OPTCTF));
+        EXPECT_EQ(QStringList({ui.MCS->text(), m.app.Saved}), QStringList({"0 Maps", "no"}));
+        EXPECT_TRUE(m.Maps().isEmpty());
+        ui.LSTMaps->addItem("ctf01");
+        QTest::mouseClick(option, Qt::LeftButton);
+        EXPECT_TRUE(option->isChecked());
+        EXPECT_EQ(m.Maps(), QStringList{"ctf01"});
+    }
+
+    // The banner: the update notice, then a beep.
     int beepsWhileShown = -1;
     m.t.messages.onShow = [&](const MessageRequest&) { beepsWhileShown = m.t.beeper.beeps; };
-    QTest::mouseClick(m.ui().Image1, Qt::LeftButton);
+    QTest::mouseClick(ui.Image1, Qt::LeftButton);
     EXPECT_EQ(
         m.t.messages.shown,
         QList<MessageRequest>({{"Please visit " + kProjectAddress + " for possible updates.",
                                 kAppName, MsgButtons::OK, MsgIcon::None, MsgDefault::First}}));
     EXPECT_EQ(std::pair(beepsWhileShown, m.t.beeper.beeps), std::pair(0, 1));
-}
-
-TEST(LoadConfig, ReplacesEditsWithTheStoredValuesWhateverGameTypeWasSelected) {
-    const struct {
-        const char *selected, *changes; // booleans load alike in either letter case
-    } rows[] = {{"OPTCTF", ""},
-                {"OPTDM", "teamdamage=true;forcespawn=true;balance=FALSE;weaponstay=true;"
-                          "falldamage=FALSE"}};
-    QString firstText;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.selected);
-        MainWindow m;
-        auto& ui = WithClan(m, row.changes).ui();
-        m.w->findChild<QRadioButton*>(row.selected)->setChecked(true);
-        QTest::keyClicks(ui.TXTServName, " edited");
-        // Choosing an entry only names the configuration; typing in the list's field does not.
-        const QString shown = m.Text();
-        ui.LSTConfig->setCurrentIndex(1);
-        ui.LSTConfig->setEditText("SOMETHING");
-        EXPECT_EQ(m.app.CurrentConf, "CLAN");
-        EXPECT_EQ(m.Text(), shown);
-
-        CMDLoad_Click(*m.w);
-        EXPECT_TRUE(m.t.messages.shown.isEmpty());
-        EXPECT_EQ(QStringList({ui.TXTServName->text(), ui.TXTConfName->text(),
-                               ui.MaxPlayers->currentText(), ui.TeamDamage->currentText(),
-                               ui.Balance->currentText(), ui.TXTMod->text(), ui.MCS->text(),
-                               ui.TXTMess_0->text(), ui.TXTMess_2->text()}),
-                  QStringList({"Clan Night", "CLAN", "8", "True", "False", "Rocketball", "3 Maps",
-                               "hello", "third"}));
-        EXPECT_EQ(m.Maps(), QStringList({"ctf01", "ctf05", "ctf01"}));
-        // MessageOn is stored but not read back: loading never switches the messages
-        // (and with them Server Recover) off behind the operator.
-        EXPECT_TRUE(ui.CHKMessage->isChecked());
-        EXPECT_EQ(m.app.Saved, "no");
-        EXPECT_TRUE(m.Text().endsWith("$Map:            \"ctf01\"\r\n"));
-        if (firstText.isEmpty())
-            firstText = m.Text();
-        EXPECT_EQ(m.Text(), firstText);
-    }
 }
 
 // A missing map key loads as an empty entry; a huge count stops at the last map key, and a
@@ -198,12 +148,39 @@ TEST(LoadConfig, NeedsTheMarkerAndFallsBackOnUnreadableFields) {
     EXPECT_EQ(m.app.gametype, "TeamDM");
 }
 
-TEST(SaveConfig, AsksThenRewritesTheWholeSectionOrWritesNothing) {
+// Loading replaces the edits, booleans alike in either letter case, whatever game type was
+// selected; saving asks, then rewrites the whole section or writes nothing.
+TEST(LoadAndSave, LoadReplacesEditsSaveRewritesTheWholeSectionOrNothing) {
     MainWindow m;
-    WithClan(m).ui().LSTConfig->setCurrentIndex(1);
+    auto& ui = WithClan(m, "teamdamage=true;balance=FALSE").ui();
+    ui.OPTDM->setChecked(true);
+    QTest::keyClicks(ui.TXTServName, " edited");
+    // Choosing an entry only names the configuration; typing in the list's field does not.
+    const QString shown = m.Text();
+    ui.LSTConfig->setCurrentIndex(1);
+    ui.LSTConfig->setEditText("SOMETHING");
+    EXPECT_EQ(m.app.CurrentConf, "CLAN");
+    EXPECT_EQ(m.Text(), shown);
+
     CMDLoad_Click(*m.w);
-    delete m.ui().LSTMaps->takeItem(0);
-    m.ui().TXTPassword->setText("secret");
+    EXPECT_TRUE(m.t.messages.shown.isEmpty());
+    EXPECT_EQ(
+        QStringList({ui.TXTServName->text(), ui.TXTConfName->text(), ui.MaxPlayers->currentText(),
+                     ui.TeamDamage->currentText(), ui.Balance->currentText(), ui.TXTMod->text(),
+                     ui.MCS->text(), ui.TXTMess_0->text(), ui.TXTMess_2->text()}),
+        QStringList({"Clan Night", "CLAN", "8", "True", "False", "Rocketball", "3 Maps", "hello",
+                     "third"}));
+    EXPECT_EQ(m.Maps(), QStringList({"ctf01", "ctf05", "ctf01"}));
+    EXPECT_TRUE(ui.OPTCTF->isChecked() && ui.MaxCaps->isEnabled());
+    // MessageOn is stored but not read back: loading never switches the messages
+    // (and with them Server Recover) off behind the operator.
+    EXPECT_TRUE(ui.CHKMessage->isChecked());
+    EXPECT_EQ(m.app.Saved, "no");
+    EXPECT_TRUE(m.Text().contains("$Game Type:      \"CTF\"\r\n"));
+    EXPECT_TRUE(m.Text().endsWith("$Map:            \"ctf01\"\r\n"));
+
+    delete ui.LSTMaps->takeItem(0);
+    ui.TXTPassword->setText("secret");
     const MessageRequest question{"Are you sure you want to modify CLAN?", "Save Configuration",
                                   MsgButtons::YesNo, MsgIcon::Critical, MsgDefault::Second};
     const int writes = m.t.store.writes, commits = m.t.store.commits;
@@ -223,10 +200,148 @@ TEST(SaveConfig, AsksThenRewritesTheWholeSectionOrWritesNothing) {
     EXPECT_EQ(m.t.beeper.beeps, 1);
     EXPECT_EQ(m.app.Saved, "yes");
     // Rewritten from scratch, so no key of the removed map is left behind.
-    EXPECT_EQ(m.t.store.Dump(kAppName, "CLAN").join(';').toStdString(),
+    EXPECT_EQ(Dump(m.t.store, kAppName, "CLAN").join(';').toStdString(),
               "gametype=CTF;servname=Clan Night;name=CLAN;maxplayers=8;password=secret;"
               "rconpass=rc;maxtime=20;maxcaps=3;maxkills=25;maxgeo=64;teamdamage=True;"
               "forcespawn=True;balance=False;weaponstay=True;falldamage=False;map0=ctf05;"
               "map1=ctf01;mapcount=2;default=1;Mod=Rocketball;Text0=hello;Text1=;"
               "Text2=third;Text3=;MessageOn=1");
+}
+
+// The worked example itself is checked byte for byte by the launch journey. Values are written
+// as they stand, only the name losing its blanks; the maps follow in list order, quoted as they
+// stand, in Windows-1252; the file replaces a longer old one and is the operator's alone,
+// whatever the umask. A missing game directory is reported.
+TEST(OptionsText, ValuesAndMapsAreWrittenAsTheyStandIntoAFileOfTheOperatorsOwn) {
+    QTemporaryDir dir;
+    const QString gameDir = dir.path() + "/";
+    QFile old(gameDir + "dedicated_server.txt");
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly) && old.write(QByteArray(5000, 'x')) == 5000);
+    old.close();
+
+    AppState s;
+    s.name = QString::fromUtf8("  My Conf \t\u00a0 ");
+    s.servname = " x ";
+    s.password = "a\"b\r\nc";
+    s.maxplayers = ""; // the label stays
+    s.teamdamage = 1;  // any non-zero boolean is True
+    const QString text = ComposeOptionsText(s, {"ctf01", "dm \"x\" 02", "é€ ✓ ß"});
+    for (const char* line : {"$Name:           \"My Conf \t\u00a0\"\r\n",
+                             "$Server Name:    \" x \"\r\n", "$Password:       \"a\"b\r\nc\"\r\n",
+                             "$Max Players:    \r\n", "$Team Damage:    True\r\n"})
+        EXPECT_TRUE(text.contains(QString::fromUtf8(line))) << line;
+    QString error;
+    const mode_t umask = ::umask(0);
+    ASSERT_TRUE(WriteOptionsFile(gameDir, text, &error)) << error.toStdString();
+    ::umask(umask);
+    EXPECT_EQ(QFile::permissions(old.fileName()),
+              QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
+    ASSERT_TRUE(old.open(QIODevice::ReadOnly));
+    const QByteArray bytes = old.readAll();
+    EXPECT_EQ(bytes.size(), text.size()) << "one byte a character, nothing of the old file";
+    EXPECT_TRUE(bytes.endsWith("\r\n$Map:            \"ctf01\"\r\n"
+                               "$Map:            \"dm \"x\" 02\"\r\n"
+                               "$Map:            \"\xE9\x80 ? \xDF\"\r\n"))
+        << bytes.toStdString();
+
+    EXPECT_FALSE(WriteOptionsFile(gameDir + "no/such/dir/", "x", &error));
+    EXPECT_TRUE(error.contains("dedicated_server.txt")) << error.toStdString();
+}
+
+// The list commands on a main window over doubles: what the operator is told, what the store
+// holds afterwards key by key, and what the window shows and selects.
+TEST(ConfigList, NewCopyAndDeleteKeepTheListNumberedAndRefuseWhatWouldHarmIt) {
+    using enum MsgAnswer;
+    const struct {
+        const char* what;
+        QString seed; // "section/key=value;..." over DEFAULT, A, B, C; "CurrentConf/=X": X current
+        int select;   // LSTConfig entry selected first; -1: A, then none
+        const char* run; // the button clicked; a name box that opens gets `typed`, then Enter
+        QString typed;
+        MsgAnswer answer;       // to a question
+        QStringList told;       // "title: text" of each box
+        QString list;           // the stored list after; empty: nothing is written
+        QString current, shown; // CurrentConf, and the name in TXTConfName
+        QString stored = {};    // "section/key=value;..." that must hold afterwards
+    } rows[] = {
+        // clang-format off
+        {"new, typed with a blank, after a hand-edited count", "ConfName/ConfCount=999999999", 0,
+         "CMDNew", "n 1", Yes, {}, "DEFAULT A B C N1", "N1", "N1", "ConfName/ConfCount=5"},
+        {"new named like an entry in another case", "ConfName/Conf2=a", 0, "CMDNew", "A",
+         Yes, {"Field Error: A configuration with this name already exists. Choose a new name to "
+               "continue"}, "", "DEFAULT", "Default"},
+        {"new named like the program's own settings", "", 0, "CMDNew", "startup", Yes,
+         {"Field Error: STARTUP is the name of the program's own settings. Choose a new name to continue"},
+         "", "DEFAULT", "Default"},
+        {"copy carries the fields in their case, the maps in order and no mod",
+         "A/teamdamage=True;A/balance=false;A/MapCount=2;A/Map0=ctf05;A/Map1=dm02;A/Mod=Classic",
+         1, "CMDCopy", "copy", Yes, {}, "DEFAULT A B C COPY", "COPY", "COPY",
+         "COPY/name=COPY;COPY/servname=server A;COPY/teamdamage=True;COPY/balance=false;"
+         "COPY/mapcount=2;COPY/map0=ctf05;COPY/map1=dm02;COPY/Mod=;COPY/default=1"},
+        {"copy of a name typed into the list", "", -1, "CMDCopy", "x", Yes,
+         {"Copy Configuration: There is no stored configuration named GHOST to copy. Nothing was "
+          "created."}, "", "A", "Default", "X/default="},
+        {"delete the second of four", "", 1, "CMDDelete", "", Yes,
+         {"Delete Configuration?: Delete A?", "Settings Deleted: A deleted."}, "DEFAULT B C",
+         "DEFAULT", "B", "A/default=;B/default=1"},
+        {"delete the last", "", 3, "CMDDelete", "", Yes,
+         {"Delete Configuration?: Delete C?", "Settings Deleted: C deleted."}, "DEFAULT A B",
+         "DEFAULT", "Default", "C/default="},
+        {"delete answered No", "", -1, "CMDDelete", "", No, {"Delete Configuration?: Delete A?"}, "",
+         "DEFAULT", "Default"},
+        {"delete a name not in the list", "CurrentConf/=GHOST", -1, "CMDDelete", "", Yes,
+         {"Delete Configuration?: Delete GHOST?",
+          "Delete Configuration: GHOST is not in the configuration list. Nothing was deleted."},
+         "", "DEFAULT", "Default"},
+        {"delete an entry named like the program's settings", "ConfName/Conf3=STARTUP", 2, "CMDDelete",
+         "", Yes, {"Delete Configuration?: Delete STARTUP?", "Settings Deleted: STARTUP deleted."},
+         "DEFAULT A C", "DEFAULT", "C", "Startup/HasRunSetup=1"},
+        // clang-format on
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        MainWindow m;
+        m.SeedFirstRun();
+        for (const QString name : {"A", "B", "C"}) {
+            AppendConfigName(m.t.store, kAppName, name);
+            m.Seed("default=1;name=" + name + ";servname=server " + name, name);
+        }
+        const bool current = row.seed.startsWith("CurrentConf/=");
+        if (!current)
+            m.Seed(row.seed);
+        auto& ui = m.Load().ui;
+        ui->LSTConfig->setCurrentIndex(row.select < 0 ? 1 : row.select);
+        if (row.select < 0)
+            ui->LSTConfig->setCurrentIndex(-1);
+        if (row.select < 0 && QString(row.run) == "CMDCopy")
+            ui->LSTConfig->setEditText("GHOST");
+        if (current)
+            m.app.CurrentConf = row.seed.section('=', 1);
+        const int writes = m.t.store.writes, commits = m.t.store.commits;
+        m.t.messages.answers = {row.answer};
+        const auto dialog = [&] { return m.forms.NewConf ? m.forms.NewConf : m.forms.CopyConfig; };
+
+        QTest::mouseClick(m.w->findChild<QPushButton*>(row.run), Qt::LeftButton);
+        if (dialog()) {
+            QTest::keyClicks(dialog()->findChild<QLineEdit*>("TXTNewName"), row.typed);
+            QTest::keyClick(dialog()->findChild<QLineEdit*>("TXTNewName"), Qt::Key_Return);
+        }
+        QStringList told;
+        for (const MessageRequest& box : m.t.messages.shown)
+            told << box.title + ": " + box.text;
+        EXPECT_EQ(told, row.told);
+        const bool refused = !row.told.isEmpty() && row.told.back().startsWith("Field Error");
+        EXPECT_EQ(dialog() != nullptr, refused) << "the dialog stays for a retry";
+        const QStringList list = row.list.split(' ', Qt::SkipEmptyParts);
+        EXPECT_EQ(m.t.store.writes == writes, list.isEmpty()) << "nothing is written";
+        EXPECT_EQ(m.t.store.commits - commits, list.isEmpty() ? 0 : 1) << "one file replacement";
+        if (!list.isEmpty()) {
+            EXPECT_EQ(ReadConfigList(m.t.store, kAppName), list);
+            EXPECT_EQ(m.t.Get("ConfName", "Conf" + QString::number(list.size() + 1)), "");
+        }
+        EXPECT_EQ(m.NotHeld(row.stored), "");
+        EXPECT_EQ(m.app.CurrentConf, row.current);
+        EXPECT_EQ(ui->TXTConfName->text(), row.shown);
+        EXPECT_EQ(m.w->isEnabled(), !refused);
+    }
 }

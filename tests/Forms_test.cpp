@@ -39,10 +39,10 @@ const QList<Window> kWindows = {
     {"", nullptr, 0, {"OPTCTF", "TXTConfName", "TXTServName", "TXTPassword", "TXTRconPass",
                       "CMDLaunch", "CMDAbout"}, {{"TXTMess_0", 255}, {"TXTMess_3", 255}}},
     {"Setup", &WindowRegistry::Setup, 's', {"TXTRFLocate"}, {}, "Setup 312x108 focus=TXTRFLocate |Label1 label 'Location of …wse function' 8,8,281,49 wraps |TXTRFLocate lineedit 8,64,209,19 ro |CMDBrowse pushbutton 'Browse' 224,64,81,17 |CMDOK pushbutton 'OK' 64,88,81,17 off |CMDCancel pushbutton 'Cancel' 152,88,81,17"},
-    {"CMDBrowse", &WindowRegistry::Browse, 'o', {"Drive1"}, {}, "Browse 172x189 focus=Drive1 |Drive1 combobox 8,8,153,21 |Dir1 treewidget 8,32,153,126 |File1 listwidget 32,80,81,32 hidden pattern=rf.exe |CMDOK pushbutton 'OK' 8,168,81,17 off |CMDCancel pushbutton 'Cancel' 88,168,81,17"},
-    {"CMDAddMap", &WindowRegistry::ShippedMaps, 'o', {"LSTSHMaps"}, {}, "Select Maps 283x257 focus=LSTSHMaps |LSTSHMaps listwidget 8,48,113,173 |CMDAdd pushbutton '>' 128,112,25,17 tip=Add |Label1 label 'Available Maps:' 8,32,81,17 |CMDRemove pushbutton '<' 128,136,25,17 tip=Remove |LSTSelmaps listwidget 160,48,113,173 |CMDOK pushbutton 'OK' 56,232,81,17 |Label2 label 'Selected Maps:' 160,32,81,17 |CMDCancel pushbutton 'Cancel' 144,232,81,17 |CMDShipped pushbutton 'Default Maps' 56,8,81,17 |CMDCustom pushbutton 'Custom Maps' 144,8,81,17 |Lstmpmaps listwidget 300,8,81,41 hidden |LSTMP listwidget 300,56,81,41 hidden pattern=levelsm.vpp |Text1 lineedit 'Text1' 300,104,81,19 hidden"},
+    {"CMDBrowse", &WindowRegistry::Browse, 'o', {"Drive1"}, {}, "Browse 172x189 focus=Drive1 |Drive1 combobox 8,8,153,21 |Dir1 treewidget 8,32,153,126 |File1 listwidget 32,80,81,32 hidden |CMDOK pushbutton 'OK' 8,168,81,17 off |CMDCancel pushbutton 'Cancel' 88,168,81,17"},
+    {"CMDAddMap", &WindowRegistry::ShippedMaps, 'o', {"LSTSHMaps"}, {}, "Select Maps 283x257 focus=LSTSHMaps |LSTSHMaps listwidget 8,48,113,173 |CMDAdd pushbutton '>' 128,112,25,17 tip=Add |Label1 label 'Available Maps:' 8,32,81,17 |CMDRemove pushbutton '<' 128,136,25,17 tip=Remove |LSTSelmaps listwidget 160,48,113,173 |CMDOK pushbutton 'OK' 56,232,81,17 |Label2 label 'Selected Maps:' 160,32,81,17 |CMDCancel pushbutton 'Cancel' 144,232,81,17 |CMDShipped pushbutton 'Default Maps' 56,8,81,17 |CMDCustom pushbutton 'Custom Maps' 144,8,81,17 |Lstmpmaps listwidget 300,8,81,41 hidden |LSTMP listwidget 300,56,81,41 hidden |Text1 lineedit 'Text1' 300,104,81,19 hidden"},
     {"CMDAbout", &WindowRegistry::About, 'o', {"CMDOK"}, {}, "About-Help 408x304 focus=CMDOK |CMDOK pushbutton 'OK' 8,280,81,17 |CMDReset pushbutton 'Fix Reg' 96,280,81,17 |Text1 plaintextedit 8,8,393,265 scroll"},
-    {"CMDMod", &WindowRegistry::Mods, 'o', {"LSTMod"}, {}, "Select a mod from the list 187x255 focus=LSTMod |Label1 label 'Available Mods' 8,8,169,17 |LSTMod listwidget 8,24,169,160 |Label2 label 'Selected Mod' 8,192,169,17 |TXTMod lineedit 'None' 8,208,169,19 ro |CMDOK pushbutton 'OK' 8,232,81,17 |CMDCancel pushbutton 'Cancel' 96,232,81,17 |Dir1 treewidget 184,240,81,32 hidden |File1 listwidget 184,248,81,32 hidden pattern=*.vpp"},
+    {"CMDMod", &WindowRegistry::Mods, 'o', {"LSTMod"}, {}, "Select a mod from the list 187x255 focus=LSTMod |Label1 label 'Available Mods' 8,8,169,17 |LSTMod listwidget 8,24,169,160 |Label2 label 'Selected Mod' 8,192,169,17 |TXTMod lineedit 'None' 8,208,169,19 ro |CMDOK pushbutton 'OK' 8,232,81,17 |CMDCancel pushbutton 'Cancel' 96,232,81,17 |Dir1 treewidget 184,240,81,32 hidden |File1 listwidget 184,248,81,32 hidden"},
     {"CMDNew", &WindowRegistry::NewConf, 'o', {"TXTNewName"}, {{"TXTNewName", 16}}, "Name? 190x55 dialog focus=TXTNewName |LBLC label 'Config Name:' 8,8,89,17 |TXTNewName lineedit 80,8,105,19 max16 |CMDOK pushbutton 'OK' 8,32,81,17 |CMDCancel pushbutton 'Cancel' 104,32,81,17"},
     {"CMDCopy", &WindowRegistry::CopyConfig, 's', {"CMDCancel"}, {{"TXTNewName", 16}}, "Copy DEFAULT to: 191x76 focus=CMDCancel |Label1 label 'Original Name:' 8,8,129,17 |CMDCancel pushbutton 'Cancel' 104,56,81,17 |LBLC label 'Copy Name:' 8,32,89,17 |TXTOriginal lineedit 'DEFAULT' 80,8,105,19 ro max16 |TXTNewName lineedit 80,32,105,19 max16 |CMDOK pushbutton 'OK' 8,56,81,17"},
     {"CMDTextRate", &WindowRegistry::Text_Rate, 'd', {"SlideTextRate"}, {}, "Set Text Rate 226x161 focus=SlideTextRate |Label1 label 'If you are h…ms intervals' 8,8,209,73 wraps |SlideTextRate slider 8,80,209,17 10-210/10/100/10 |RateText label '110 ms between characters' 8,112,209,17 |Command1 pushbutton 'OK' 32,136,81,17 |Command2 pushbutton 'Cancel' 112,136,81,17"},
@@ -123,14 +123,11 @@ QStringList captionsCutOff(QWidget* window) {
     return faults;
 }
 
-// Each dialog as its opener leaves it: caption, client size, a dialog-type window, title-bar
-// buttons, first focus, then every control as "name kind 'caption' x,y,w,h flags".
+// Each dialog as its opener leaves it: caption, client size, a dialog-type window, first focus,
+// then every control as "name kind 'caption' x,y,w,h flags".
 QString Describe(QWidget* d) {
-    const auto flags = d->windowFlags();
-    const bool buttons =
-        (flags & ~Qt::WindowType_Mask) != (Qt::CustomizeWindowHint | Qt::WindowTitleHint);
     QStringList out = {d->windowTitle(), QString::asprintf("%dx%d", d->width(), d->height()),
-                       d->windowType() == Qt::Dialog ? "dialog" : "", buttons ? "BUTTONS" : "",
+                       d->windowType() == Qt::Dialog ? "dialog" : "",
                        "focus=" + QApplication::focusWidget()->objectName()};
     for (QWidget* c : d->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
         const QString text = c->property("text").toString(), tip = c->toolTip();
@@ -146,8 +143,6 @@ QString Describe(QWidget* d) {
             << (max && max < 32767 ? "max" + QString::number(max) : "")
             << (c->property("wordWrap").toBool() ? "wraps" : "")
             << (tip.isEmpty() ? "" : "tip=" + tip)
-            << (c->property("pattern").isValid() ? "pattern=" + c->property("pattern").toString()
-                                                 : "")
             << (c->property("verticalScrollBarPolicy").toInt() == Qt::ScrollBarAlwaysOn ? "scroll"
                                                                                         : "");
         if (auto* s = qobject_cast<QSlider*>(c))
@@ -178,6 +173,9 @@ TEST(Forms, WhatTheOperatorSeesInEveryWindow) {
         EXPECT_EQ(captionsCutOff(window).join('\n').toStdString(), "");
         EXPECT_FALSE(window->minimumSize().isEmpty());
         EXPECT_EQ(window->minimumSize(), window->maximumSize()) << "the window cannot be resized";
+        EXPECT_EQ(window->windowFlags() & ~Qt::WindowType_Mask,
+                  Qt::CustomizeWindowHint | Qt::WindowTitleHint)
+            << "a title bar without buttons: the window's own buttons close it";
         for (auto* button : window->findChildren<QPushButton*>())
             EXPECT_FALSE(button->isDefault() || button->autoDefault())
                 << button->objectName().toStdString();

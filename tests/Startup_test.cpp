@@ -1,107 +1,143 @@
-// The program's start: the Setup window first, then the main window's load with the
-// configuration DEFAULT and the operator's start-up preferences.
+// The program's start: the Setup window and its Browse first, the configurations it stores,
+// then the main window's load with the configuration DEFAULT and the operator's start-up
+// preferences; and the mods a launch can name.
 #include "MainWindow.h"
 #include "Texts.h"
 
+#include "automation/Rates.h"
+#include "platform/FolderList.h"
+#include "platform/posix/Drives.h"
+#include "server/ModList.h"
+#include "ui/Browse.h"
 #include "ui/Setup.h"
 #include "ui/server/SetupHandlers.h"
+#include "ui/settings/ResetHandlers.h"
+#include "ui_Browse.h"
 #include "ui_Setup.h"
 
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
-namespace {
-
-// A title bar but no close box: the operator leaves through the window's own buttons.
-void ExpectNoCloseBox(const QWidget* window) {
-    const Qt::WindowFlags flags = window->windowFlags();
-    EXPECT_TRUE((flags & Qt::CustomizeWindowHint) && !(flags & Qt::WindowCloseButtonHint))
-        << window->objectName().toStdString();
-}
-
-} // namespace
-
-// The warning's Cancel, a plain first run and a later run with the operator's values are the
-// first-run journey's; here a stored directory, older defaults, and Setup's Cancel.
-TEST(Setup, FirstRunStoresFreshDefaultsOnOKAndEndsOnCancel) {
-    const struct {
-        const char* what;
-        QString stored;              // "section/key=value;..." over the defaults of a later run
-        const char* button;          // clicked in the Setup window
-        QString gameDir, maxplayers; // no maxplayers: the program ends, storing nothing
-    } rows[] = {
-        {"later run without a directory", "Startup/HasRunSetup=1", nullptr, "", "16"},
-        {"first run with a directory and older defaults",
-         "Startup/RFLocation=/games/rf/;Default/maxplayers=4;ConfName/ConfCount=3", "CMDOK",
-         "/games/rf/", "16"},
-        {"cancel in the window", "Startup/RFLocation=/games/rf/", "CMDCancel", "", ""},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
+// The warning's Cancel, a first run on an empty store and a later run are the first-run
+// journey's; here a stored directory and older defaults, and Setup's Cancel.
+TEST(Setup, FirstRunStoresFreshDefaultsAtOnceOnOKAndEndsOnCancel) {
+    for (const QString button : {"CMDOK", "CMDCancel"}) {
         MainWindow r;
-        if (!row.button)
-            CreateDefaultConfig(r.t.store, kAppName);
-        r.Seed(row.stored);
+        r.Seed("Startup/RFLocation=/games/rf/;Default/maxplayers=4;ConfName/ConfCount=3");
         const int writes = r.t.store.writes;
         auto* setup = new ::Setup(r.app, r.forms, r.t.services);
         r.forms.Setup = setup;
         Setup_Form_Load(*setup);
-        EXPECT_EQ(r.t.messages.shown.size(), row.button ? 1 : 0) << "the backup warning";
-        if (row.button) {
-            EXPECT_EQ(setup->ui->TXTRFLocate->text(), "/games/rf/");
-            EXPECT_TRUE(setup->ui->CMDOK->isEnabled()) << "enabled by a directory";
-            ExpectNoCloseBox(setup);
-            EXPECT_EQ(r.forms.MainWindow, nullptr) << "Setup waits for the operator";
-            setup->show();
-            const int commits = r.t.store.commits;
-            QTest::mouseClick(setup->findChild<QPushButton*>(row.button), Qt::LeftButton);
-            EXPECT_EQ(r.t.store.commits - commits, QString(row.button) == "CMDOK") << "at once";
-        }
+        EXPECT_EQ(r.t.messages.shown.size(), 1) << "the backup warning";
+        EXPECT_EQ(setup->ui->TXTRFLocate->text(), "/games/rf/");
+        EXPECT_TRUE(setup->ui->CMDOK->isEnabled()) << "enabled by a directory";
+        EXPECT_EQ(r.forms.MainWindow, nullptr) << "Setup waits for the operator";
+        setup->show();
+        const int commits = r.t.store.commits;
+        QTest::mouseClick(setup->findChild<QPushButton*>(button), Qt::LeftButton);
         const std::unique_ptr<QWidget> setupGone(setup), main(r.forms.MainWindow);
-        EXPECT_EQ(r.t.end.ended, row.maxplayers.isEmpty() ? 1 : 0);
-        if (row.maxplayers.isEmpty()) {
+        const bool ok = button == "CMDOK";
+        EXPECT_EQ(r.t.end.ended, ok ? 0 : 1);
+        EXPECT_EQ(r.t.store.commits - commits, ok ? 1 : 0) << "one file replacement";
+        if (!ok) {
             EXPECT_EQ(r.t.store.writes, writes);
             EXPECT_FALSE(main);
             continue;
         }
-        EXPECT_EQ(r.app.GameDir, row.gameDir);
-        EXPECT_EQ(r.NotHeld("Startup/HasRunSetup=1;Startup/RFLocation=" + row.gameDir +
-                            ";ConfName/ConfCount=1;ConfName/Conf1=DEFAULT;Default/maxplayers=" +
-                            row.maxplayers),
+        EXPECT_EQ(r.NotHeld("Startup/HasRunSetup=1;Startup/RFLocation=/games/rf/;ConfName/"
+                            "ConfCount=1;ConfName/Conf1=DEFAULT;Default/maxplayers=16"),
                   "");
+        EXPECT_EQ(r.app.GameDir, "/games/rf/");
         EXPECT_EQ(r.forms.Setup, nullptr);
         EXPECT_FALSE(setup->isVisible());
         ASSERT_TRUE(main);
         EXPECT_TRUE(main->isVisible());
-        ExpectNoCloseBox(main.get());
     }
 }
 
-// Whatever the preferences, DEFAULT is loaded into every control and nothing runs yet.
-TEST(Startup, LoadsDefaultAndRestoresThePreferencesAlongTheirChain) {
+// The first-run configuration key by key in the order written: over an existing store its
+// values are overwritten, other keys and sections stay, the list is written afresh. A new
+// configuration replaces a stored one (with the "default" marker); a section without the
+// marker keeps its other keys. The reset deletes everything.
+TEST(StoredConfig, FirstRunAndNewConfigurationsWriteTheirDefaultsAndResetDeletesAll) {
+    const QStringList firstRun =
+        texts::kFirstRunDefaults.mid(0, 16) +
+        QStringList{"Text0=This Dedicated Server is running with Hostwarden 2.0 by Velloquin",
+                    "Text1=Visit " + kProjectAddress + " for updates.", "Text2=", "Text3="} +
+        texts::kFirstRunDefaults.mid(16);
+    MainWindow m;
+    m.Seed("Default/gametype=DM;Default/map0=ctf01;ConfName/ConfCount=2;ConfName/Conf2=CLAN;"
+           "CLAN/default=1;CLAN/map0=ctf01;HALF/default=0;HALF/map0=ctf01");
+    CreateDefaultConfig(m.t.store, kAppName);
+    QStringList expected = firstRun;
+    expected.insert(1, "map0=ctf01");
+    EXPECT_EQ(Dump(m.t.store, kAppName, "Default"), expected);
+    EXPECT_EQ(Dump(m.t.store, kAppName, "ConfName"),
+              QStringList({"ConfCount=1", "Conf2=CLAN", "Conf1=DEFAULT"}));
+    EXPECT_EQ(m.t.Get("CLAN", "map0"), "ctf01");
+
+    for (const char* conf : {"CLAN", "HALF"}) {
+        m.app.CurrentConf = conf;
+        m.app.Saved = "no";
+        CreateNewConfig(m.t.store, m.app);
+        EXPECT_EQ(m.app.Saved, "yes");
+    }
+    expected = firstRun;
+    expected.removeLast(); // MapCount comes earlier, as mapcount
+    expected.replace(1, "servname=$Me's Dedicated CTF running Hostwarden 2.0");
+    expected.replace(2, "name=CLAN");
+    expected.insert(15, "mapcount=0");
+    expected.insert(17, "Mod=");
+    EXPECT_EQ(Dump(m.t.store, kAppName, "CLAN"), expected);
+    EXPECT_EQ(m.NotHeld("HALF/map0=ctf01;HALF/default=1"), "");
+
+    // "Fix Reg" answered Yes (No is the About journey's).
+    m.t.Put("Startup", "HasRunSetup", "1");
+    m.t.messages.answers = {MsgAnswer::Yes};
+    CMDReset_Click(m.t.services, m.app);
+    EXPECT_EQ(m.t.messages.shown,
+              (QList<MessageRequest>{{"All configurations and settings for this program will "
+                                      "be deleted.\r\nReset Registry entries for this program?",
+                                      "Reset Application Registry Entries?", MsgButtons::YesNo,
+                                      MsgIcon::Critical, MsgDefault::Second}}));
+    EXPECT_TRUE(m.t.store.IsEmpty(kAppName));
+    EXPECT_EQ(std::pair(m.t.beeper.beeps, m.t.end.ended), std::pair(1, 1));
+}
+
+// Rates as a hand edit may leave them: clamped into the dialog's range and rounded; text that
+// is no number gives the default. (Numbers and booleans: the configuration's load.)
+TEST(StoredFields, RatesAreClampedIntoTheirDialogsRange) {
+    const std::tuple<const char*, int, int> rates[] = {
+        {"", 3, 110},   {"12abc", 3, 110}, {"0", 3, 10},       {" 7 ", 7, 10},
+        {"16", 15, 16}, {"211", 15, 210},  {"120.6", 15, 121}, {"99999999999999999999", 15, 210}};
+    for (const auto& [stored, messageRate, textRate] : rates) {
+        EXPECT_EQ(ClampMessageRate(stored), messageRate) << stored;
+        EXPECT_EQ(ClampTextRate(stored), textRate) << stored;
+    }
+}
+
+// Whatever the preferences, DEFAULT is loaded into every control and nothing runs yet; the
+// preferences the operator then changes are stored at once.
+TEST(Startup, LoadsDefaultRestoresThePreferencesAlongTheirChainAndStoresTheirChanges) {
     const struct {
-        const char* what;
         QString startup; // "key=value;..." seeded under Startup
         int textRate, messageRate;
         QString checked; // boxes that end up checked
         QString portText;
     } rows[] = {
-        // clang-format off
-        {"no Startup values", "", 110, 3, "", ""},
-        {"LanOnly alone: the chain stops at ServRec", "LanOnly=1", 110, 3, "", ""},
-        {"whole chain, the port cleaned and stored again",
-         "ServRec=1;lanonly=1;Port=1;PortNum=12a34", 110, 3, "ServRec LanOnly Port", "1234"},
-        {"Port missing: PortNum is not restored", "ServRec=0;LanOnly=1;PortNum=7755", 110, 3,
-         "LanOnly", ""},
-        {"other values leave a box unchecked, the chain goes on",
-         "ServRec=2;LanOnly=yes;Port=1;PortNum=", 110, 3, "Port", ""},
-        {"rates", "TextRate=50;MsgRate=10", 50, 10, "", ""},
-        {"rates read as the dialogs' ranges allow", "TextRate=5;MsgRate=fast", 10, 3, "", ""},
-        // clang-format on
+        {"", 110, 3, "", ""},
+        {"LanOnly=1", 110, 3, "", ""}, // the chain stops at ServRec
+        {"ServRec=1;lanonly=1;Port=1;PortNum=12a34", 110, 3, "ServRec LanOnly Port", "1234"},
+        {"ServRec=0;LanOnly=1;PortNum=7755", 110, 3, "LanOnly", ""}, // PortNum needs Port
+        {"ServRec=2;LanOnly=yes;Port=1;PortNum=", 110, 3, "Port", ""},
+        {"TextRate=5;MsgRate=10", 10, 10, "", ""},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
+        SCOPED_TRACE(row.startup.toStdString());
         MainWindow m;
         m.SeedFirstRun();
         m.Seed(row.startup, "Startup");
@@ -111,35 +147,23 @@ TEST(Startup, LoadsDefaultAndRestoresThePreferencesAlongTheirChain) {
                   std::pair(row.textRate, row.messageRate));
         EXPECT_EQ(ui->CHKServRec->isChecked(), row.checked.contains("ServRec"));
         EXPECT_EQ(ui->CHKGameTracker->isChecked(), row.checked.contains("LanOnly"));
-        EXPECT_EQ(ui->CHKPort->isChecked(), port);
-        EXPECT_EQ(ui->TXTPort->isEnabled(), port);
+        EXPECT_EQ(std::pair(ui->CHKPort->isChecked(), ui->TXTPort->isEnabled()),
+                  std::pair(port, port));
         EXPECT_EQ(ui->TXTPort->text(), row.portText);
         EXPECT_TRUE(!port || m.t.Get("Startup", "PortNum") == row.portText);
-        // The worked example of the options file is what a first run shows.
-        EXPECT_EQ(m.Text().toLatin1(), texts::kFirstRunOptions);
-        EXPECT_EQ(m.app.CurrentConf, "DEFAULT");
         EXPECT_EQ(m.app.Saved, "yes");
         EXPECT_FALSE(m.timer("TMRAdds")->isActive() || m.timer("TMRSend")->isActive());
     }
     MainWindow m;
     auto& ui = m.Start().ui();
-    QStringList lists;
-    for (QComboBox* list : {ui.MaxPlayers, ui.MaxTime, ui.MaxKills, ui.MaxCaps, ui.MaxGeo,
-                            ui.TeamDamage, ui.FallDamage, ui.WeaponStay, ui.ForceSpawn, ui.Balance})
-        lists << QString("%1..%2 %3")
-                     .arg(list->itemText(0), list->itemText(list->count() - 1))
-                     .arg(list->count());
-    EXPECT_EQ(lists.join(", "), "2..32 31, 5..60 56, 1..100 100, 1..25 25, 0..128 129, "
-                                "True..False 2, True..False 2, True..False 2, True..False 2, "
-                                "True..False 2");
-    EXPECT_EQ(QStringList({ui.LSTConfig->currentText(), QString::number(ui.LSTConfig->count()),
-                           ui.TXTConfName->text(), ui.TXTMod->text(), ui.MCS->text()}),
-              QStringList({"DEFAULT", "1", "Default", "None", "0 Maps"}));
-}
+    // The worked example of the options file is what a first run shows.
+    EXPECT_EQ(m.Text().toLatin1(), texts::kFirstRunOptions);
+    EXPECT_EQ(QStringList({m.app.CurrentConf, ui.LSTConfig->currentText(),
+                           QString::number(ui.LSTConfig->count()), ui.TXTConfName->text(),
+                           ui.TXTMod->text(), ui.MCS->text()}),
+              QStringList({"DEFAULT", "DEFAULT", "1", "Default", "None", "0 Maps"}));
 
-TEST(LaunchSwitches, ClicksAndTypedPortsAreStored) {
-    MainWindow m;
-    auto& ui = m.Start().ui();
+    // The operator's clicks and typed ports are stored.
     for (QCheckBox* box : {ui.CHKGameTracker, ui.CHKServRec, ui.CHKPort})
         box->setChecked(true);
     EXPECT_EQ(m.NotHeld("Startup/lanonly=1;Startup/ServRec=1;Startup/Port=1"), "");
@@ -147,11 +171,9 @@ TEST(LaunchSwitches, ClicksAndTypedPortsAreStored) {
     // Only digits and the point stay, the cursor at the end, however long the number.
     const QString digits(320, u'7');
     for (const auto& [typed, kept] :
-         QList<QPair<QString, QString>>{{"1234", "1234"},
-                                        {"12a34", "1234"},
+         QList<QPair<QString, QString>>{{"12a34", "1234"},
                                         {"12.5", "12.5"},
                                         {"abc", ""},
-                                        {"7 7", "77"},
                                         {digits + "x" + digits, digits + digits}}) {
         ui.TXTPort->setText(typed);
         EXPECT_EQ(ui.TXTPort->text(), kept) << typed.toStdString();
@@ -161,4 +183,72 @@ TEST(LaunchSwitches, ClicksAndTypedPortsAreStored) {
     ui.CHKPort->setChecked(false);
     EXPECT_EQ(m.t.Get("Startup", "Port"), "0");
     EXPECT_FALSE(ui.TXTPort->isEnabled());
+}
+
+// Makes the folders and files named, relative to `root`; a name ending in "/" is a folder.
+static void Make(const QString& root, const QStringList& paths) {
+    for (const QString& path : paths) {
+        QDir(root).mkpath(path.endsWith('/') ? path : path.section('/', 0, -2));
+        if (!path.endsWith('/'))
+            QFile(root + "/" + path).open(QIODevice::WriteOnly);
+    }
+}
+
+TEST(Browse, OnlyAFolderHoldingTheGameExecutableCanBeTaken) {
+    QTemporaryDir home;
+    Make(home.path(), {"lower/rf.exe", "upper/RF.EXE", "mixed/Rf.Exe", "none/rf.exe.bak",
+                       "none/sub/", "folder/rf.exe/", ".wine/drive_c/", "gone/inner/"});
+    const QByteArray realHome = qgetenv("HOME");
+    qputenv("HOME", home.path().toUtf8());
+    MainWindow m;
+    ::Setup setup(m.app, m.forms, m.t.services);
+    setup.show();
+    QTest::mouseClick(setup.ui->CMDBrowse, Qt::LeftButton);
+    auto* b = static_cast<Browse*>(m.forms.Browse);
+    EXPECT_FALSE(setup.isEnabled());
+    EXPECT_EQ(b->ui->Drive1->currentText(), home.path());
+    EXPECT_FALSE(b->ui->CMDOK->isEnabled()) << "the home folder holds no game";
+    // A folder that cannot be read any more when it is opened (root reads any folder).
+    QDir(home.filePath("gone")).removeRecursively();
+    QStringList folders;
+    QTreeWidgetItem* top = b->ui->Dir1->topLevelItem(0);
+    for (int i = 0; i < top->childCount(); ++i) {
+        QTreeWidgetItem* item = top->child(i);
+        item->setExpanded(true);
+        b->ui->Dir1->setCurrentItem(item);
+        folders << item->text(0) + (b->ui->CMDOK->isEnabled() ? "+" : "") +
+                       QString::number(item->childCount());
+    }
+    EXPECT_EQ(folders.join(' '), ".wine1 folder1 gone0 lower+0 mixed+0 none1 upper+0")
+        << "name, + where OK is enabled, sub-folders";
+    b->ui->Dir1->setCurrentItem(top->child(3)); // lower
+    QTest::mouseClick(b->ui->CMDOK, Qt::LeftButton);
+    EXPECT_EQ(setup.ui->TXTRFLocate->text(), home.path() + "/lower/");
+    EXPECT_TRUE(setup.ui->CMDOK->isEnabled() && setup.isEnabled());
+    EXPECT_EQ(m.forms.Browse, nullptr);
+
+    QTest::mouseClick(setup.ui->CMDBrowse, Qt::LeftButton);
+    b = static_cast<Browse*>(m.forms.Browse);
+    b->ui->Drive1->setCurrentIndex(0);
+    EXPECT_EQ(FolderText(b->Path()), "/") << "a root is not doubled";
+    QTest::mouseClick(b->ui->CMDCancel, Qt::LeftButton);
+    EXPECT_EQ(m.t.end.ended, 1) << "Cancel ends the program";
+    qputenv("HOME", realHome);
+}
+
+TEST(Browse, DrivesAreTheRootTheHomeAndTheMountedFileSystems) {
+    const QString mounts =
+        "overlay / overlay rw 0 0\nproc /proc proc rw 0 0\ntmpfs /dev/shm tmpfs "
+        "rw 0 0\n/dev/sda2 /home ext4 rw 0 0\n/dev/sdb1 /media/op/USB\\040STICK "
+        "vfat rw 0 0\n/dev/sdc1 /mnt/g ntfs3 rw 0 0\n/dev/sdc1 /mnt/g ntfs3 rw 0 0\n";
+    EXPECT_EQ(DrivesFromMounts(mounts, "/home/op"),
+              QStringList({"/", "/home/op", "/home", "/media/op/USB STICK", "/mnt/g"}));
+}
+
+TEST(Mods, AreTheSubFoldersOfModsHoldingAPackageInNameOrder) {
+    QTemporaryDir game;
+    Make(game.path(), {"MODS/Zed/z.VPP", "MODS/b/", "MODS/a/a.vpp", "MODS/Deep/data/d.vpp",
+                       "MODS/notes/readme.txt", "MODS/loose.vpp"});
+    EXPECT_EQ(UsableMods(game.path() + "/"), QStringList({"a", "Zed"}));
+    EXPECT_EQ(UsableMods(game.path() + "/MODS/b/"), QStringList()) << "no mods folder";
 }

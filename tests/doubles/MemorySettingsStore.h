@@ -36,15 +36,6 @@ public:
     void BeginBatch() override { ++batchDepth_; }
     void EndBatch() override { commits += --batchDepth_ == 0 && std::exchange(batched_, 0) > 0; }
 
-    // Every key of a section as stored, in write order, "key=value" each.
-    QStringList Dump(const QString& app, const QString& section) {
-        QStringList out;
-        for (const auto& s : files_[app].sections())
-            for (const auto& e : s.entries)
-                if (s.folded == section.toCaseFolded())
-                    out << e.name + "=" + e.value;
-        return out;
-    }
     bool IsEmpty(const QString& app) { return files_[app].isEmpty(); }
     int writes = 0;
     int commits = 0; // how often a file store would have replaced its file
@@ -58,3 +49,11 @@ private:
     int batchDepth_ = 0, batched_ = 0;
     std::map<QString, IniDocument> files_;
 };
+
+// Every key of a section as stored, in write order, "key=value" each.
+inline QStringList Dump(SettingsStore& store, const QString& app, const QString& section) {
+    QStringList out;
+    for (const QString& key : store.KeyNames(app, section))
+        out << key + "=" + store.GetSetting(app, section, key);
+    return out;
+}

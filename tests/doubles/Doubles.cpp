@@ -1,2 +1,0 @@
-// Every double is header-only; this compiles them once on their own.
-#include "TestServices.h"
