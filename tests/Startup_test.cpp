@@ -95,15 +95,18 @@ TEST(StoredConfig, FirstRunAndNewConfigurationsWriteTheirDefaultsAndResetDeletes
     EXPECT_EQ(Dump(m.t.store, kAppName, "CLAN"), expected);
     EXPECT_EQ(m.NotHeld("HALF/map0=ctf01;HALF/default=1"), "");
 
-    // "Fix Reg" answered Yes (No is the About journey's).
+    // "Fix Reg" answered No changes nothing; answered Yes, it deletes everything and ends.
     m.t.Put("Startup", "HasRunSetup", "1");
-    m.t.messages.answers = {MsgAnswer::Yes};
+    m.t.messages.answers = {MsgAnswer::No, MsgAnswer::Yes};
     CMDReset_Click(m.t.services, m.app);
-    EXPECT_EQ(m.t.messages.shown,
-              (QList<MessageRequest>{{"All configurations and settings for this program will "
-                                      "be deleted.\r\nReset Registry entries for this program?",
-                                      "Reset Application Registry Entries?", MsgButtons::YesNo,
-                                      MsgIcon::Critical, MsgDefault::Second}}));
+    EXPECT_EQ(m.t.Get("Startup", "HasRunSetup"), "1");
+    EXPECT_EQ(std::pair(m.t.beeper.beeps, m.t.end.ended), std::pair(0, 0));
+    CMDReset_Click(m.t.services, m.app);
+    const MessageRequest question{"All configurations and settings for this program will be "
+                                  "deleted.\r\nReset Registry entries for this program?",
+                                  "Reset Application Registry Entries?", MsgButtons::YesNo,
+                                  MsgIcon::Critical, MsgDefault::Second};
+    EXPECT_EQ(m.t.messages.shown, QList<MessageRequest>(2, question));
     EXPECT_TRUE(m.t.store.IsEmpty(kAppName));
     EXPECT_EQ(std::pair(m.t.beeper.beeps, m.t.end.ended), std::pair(1, 1));
 }
