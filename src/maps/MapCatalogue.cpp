@@ -1,6 +1,7 @@
 #include "maps/MapCatalogue.h"
 
 #include "maps/VppArchive.h"
+#include "platform/FolderList.h"
 
 #include <QFile>
 
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <strings.h>
 #include <vector>
 
@@ -30,10 +32,8 @@ private:
     DIR* dir_;
 };
 
-bool NameOrder(const QString& a, const QString& b) {
-    const int folded = a.compare(b, Qt::CaseInsensitive);
-    return folded != 0 ? folded < 0 : a < b;
-}
+// The most candidates a list makes room for ahead of reading them.
+constexpr qsizetype kMaxReserve = 1 << 20;
 
 // The name lower-cased; plain ASCII, as level names nearly always are, in one pass.
 QString LowerName(QByteArrayView name) {
@@ -58,13 +58,33 @@ bool ReadLevels(const QString& archivePath, QStringList& candidates) {
         .ok;
 }
 
+bool ReadLevels(const QStringList& archivePaths, QStringList& candidates) {
+    const qsizetype start = candidates.size();
+    bool whole = true, roomMade = false;
+    for (qsizetype i = 0; i < archivePaths.size(); ++i) {
+        whole &= ReadLevels(archivePaths[i], candidates);
+        // Packs tend to hold alike numbers of levels: making room for the rest once, by the
+        // first that held any, spares growing the list many times over a large installation.
+        const qsizetype read = candidates.size() - start;
+        if (!roomMade && read > 0) {
+            roomMade = true;
+            candidates.reserve(
+                start + std::min(kMaxReserve, read * archivePaths.size() / (i + 1)));
+        }
+    }
+    return whole;
+}
+
 QStringList FilterLevels(const QStringList& candidates, bool ctf) {
     const QLatin1String prefix = ctf ? QLatin1String("ctf") : QLatin1String("dm");
+    const auto kept = [prefix](const QString& level) { return level.startsWith(prefix); };
+    const auto firstLeft = std::find_if_not(candidates.begin(), candidates.end(), kept);
+    if (firstLeft == candidates.end())
+        return candidates;
     QStringList levels;
     levels.reserve(candidates.size());
-    for (const QString& level : candidates)
-        if (level.startsWith(prefix))
-            levels.append(level);
+    std::copy(candidates.begin(), firstLeft, std::back_inserter(levels));
+    std::copy_if(firstLeft, candidates.end(), std::back_inserter(levels), kept);
     return levels;
 }
 

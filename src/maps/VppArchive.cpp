@@ -20,17 +20,6 @@ constexpr int kNameSize = 60;
 // Entries read with one call: enough for most packs' whole directory.
 constexpr qint64 kChunkEntries = 256;
 
-// The record's bytes up to its first 0 byte, blanks trimmed.
-QByteArrayView EntryName(const char* record) {
-    const auto* end = static_cast<const char*>(std::memchr(record, 0, kVppEntrySize));
-    const char* last = end ? end : record + kVppEntrySize;
-    while (record < last && *record == ' ')
-        ++record;
-    while (last > record && last[-1] == ' ')
-        --last;
-    return QByteArrayView(record, last - record);
-}
-
 // Reads `size` bytes at `offset`, retrying short reads; the bytes read.
 qint64 ReadAt(int fd, char* into, qint64 size, qint64 offset) {
     qint64 done = 0;
@@ -53,7 +42,8 @@ qsizetype RoundUp(qsizetype size) {
     return (size + kVppBlock - 1) / kVppBlock * kVppBlock;
 }
 
-VppDirectory VisitDirectory(int fd, const QString& archivePath, const VppVisitor& visit) {
+VppDirectory VisitDirectory(int fd, const QString& archivePath, VppRunVisitor visit,
+                            void* context) {
     VppDirectory result;
     struct stat info {};
     if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
@@ -80,14 +70,15 @@ VppDirectory VisitDirectory(int fd, const QString& archivePath, const VppVisitor
     qint64 offset = kVppBlock;
     for (qint64 entry = 0; entry < limit;) {
         qint64 at = 0;
-        for (; at + kVppEntrySize <= available && entry < limit; at += kVppEntrySize, ++entry) {
+        bool ended = false;
+        for (; at + kVppEntrySize <= available && entry < limit; at += kVppEntrySize, ++entry)
             if (chunk[at] == 0) {
-                result.ok = true;
-                return result;
+                ended = true;
+                break;
             }
-            visit(EntryName(chunk + at));
-        }
-        if (entry == limit)
+        if (at > 0)
+            visit(context, chunk, at / kVppEntrySize);
+        if (ended || entry == limit)
             break;
         offset += at;
         const qint64 wanted =
@@ -114,7 +105,7 @@ QString FromVppName(QByteArrayView name) {
     return text;
 }
 
-VppDirectory VisitVppDirectory(const QString& archivePath, const VppVisitor& visit) {
+VppDirectory VisitVppRuns(const QString& archivePath, VppRunVisitor visit, void* context) {
     // Non-blocking, so a pipe that carries an archive's name cannot stall the reader.
     const int fd =
         ::open(QFile::encodeName(archivePath).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
@@ -124,7 +115,7 @@ VppDirectory VisitVppDirectory(const QString& archivePath, const VppVisitor& vis
                            .arg(archivePath, QString::fromLocal8Bit(std::strerror(errno)));
         return result;
     }
-    VppDirectory result = VisitDirectory(fd, archivePath, visit);
+    VppDirectory result = VisitDirectory(fd, archivePath, visit, context);
     ::close(fd);
     return result;
 }
