@@ -52,11 +52,9 @@ void BM_Catalogue(benchmark::State& state) {
         return state.SkipWithError("cannot lay out the packs");
     for (auto _ : state) {
         const QString folder = FindFolder(GameDir(), kCustomFolder);
-        QStringList packs;
-        for (const QString& pack : ListFiles(folder, kCtfPacks))
-            packs << folder + '/' + pack;
         QStringList candidates;
-        ReadLevels(packs, candidates);
+        for (const QString& pack : ListFiles(folder, kCtfPacks))
+            ReadLevels(folder + '/' + pack, candidates);
         const QStringList levels = FilterLevels(candidates, true);
         if (levels.size() != kPacks * kLevels)
             return state.SkipWithError("levels missing");

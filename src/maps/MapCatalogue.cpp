@@ -32,9 +32,6 @@ private:
     DIR* dir_;
 };
 
-// The most candidates a list makes room for ahead of reading them.
-constexpr qsizetype kMaxReserve = 1 << 20;
-
 // The name lower-cased; plain ASCII, as level names nearly always are, in one pass.
 QString LowerName(QByteArrayView name) {
     QString lower(name.size(), Qt::Uninitialized);
@@ -47,37 +44,27 @@ QString LowerName(QByteArrayView name) {
     return lower;
 }
 
+bool IsLevel(QByteArrayView name) {
+    return name.size() >= 4 && std::memcmp(name.data() + name.size() - 4, ".rfl", 4) == 0;
+}
+
 } // namespace
 
 bool ReadLevels(const QString& archivePath, QStringList& candidates) {
     return VisitVppDirectory(archivePath,
                              [&candidates](QByteArrayView name) {
-                                 if (name.endsWith(".rfl"))
+                                 if (IsLevel(name))
                                      candidates.append(LowerName(name));
                              })
         .ok;
 }
 
-bool ReadLevels(const QStringList& archivePaths, QStringList& candidates) {
-    const qsizetype start = candidates.size();
-    bool whole = true, roomMade = false;
-    for (qsizetype i = 0; i < archivePaths.size(); ++i) {
-        whole &= ReadLevels(archivePaths[i], candidates);
-        // Packs tend to hold alike numbers of levels: making room for the rest once, by the
-        // first that held any, spares growing the list many times over a large installation.
-        const qsizetype read = candidates.size() - start;
-        if (!roomMade && read > 0) {
-            roomMade = true;
-            candidates.reserve(
-                start + std::min(kMaxReserve, read * archivePaths.size() / (i + 1)));
-        }
-    }
-    return whole;
-}
-
 QStringList FilterLevels(const QStringList& candidates, bool ctf) {
-    const QLatin1String prefix = ctf ? QLatin1String("ctf") : QLatin1String("dm");
-    const auto kept = [prefix](const QString& level) { return level.startsWith(prefix); };
+    const QStringView prefix = ctf ? u"ctf" : u"dm";
+    const auto kept = [prefix](const QString& level) {
+        return level.size() >= prefix.size() &&
+               std::equal(prefix.begin(), prefix.end(), level.constBegin());
+    };
     const auto firstLeft = std::find_if_not(candidates.begin(), candidates.end(), kept);
     if (firstLeft == candidates.end())
         return candidates;

@@ -17,8 +17,6 @@ inline const QString kDmPacks = QStringLiteral("DM*.vpp");
 // lower-cased, in stored order. What an unreadable or cut-short archive holds up to where
 // it breaks is kept; the result says whether the whole directory was read.
 bool ReadLevels(const QString& archivePath, QStringList& candidates);
-// The same for each archive in turn; false when any of them could not be read whole.
-bool ReadLevels(const QStringList& archivePaths, QStringList& candidates);
 
 // The candidates of a game type, in order: CTF keeps "ctf…", DM and TeamDM keep "dm…".
 // When every candidate is kept, the result shares the candidates' storage.

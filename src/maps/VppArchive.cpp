@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -45,25 +46,31 @@ qsizetype RoundUp(qsizetype size) {
 VppDirectory VisitDirectory(int fd, const QString& archivePath, VppRunVisitor visit,
                             void* context) {
     VppDirectory result;
-    struct stat info {};
-    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
-        result.error = QStringLiteral("Cannot open %1: not a file").arg(archivePath);
-        return result;
+    // The header block and the first directory block come in one read; later reads take
+    // no more than the rest of the directory. A file that opens with a valid header is read
+    // as the archive it says it is, up to where a read comes short; anything else has to be
+    // a regular file, whose size then bounds the reads.
+    char buffer[kVppBlock + kChunkEntries * kVppEntrySize];
+    qint64 available = ReadAt(fd, buffer, 2 * kVppBlock, 0);
+    const auto* header = reinterpret_cast<const uchar*>(buffer);
+    const bool headed = available >= 12 && qFromLittleEndian<quint32>(header) == kVppSignature &&
+                        qFromLittleEndian<quint32>(header + 4) == 1;
+    qint64 size = std::numeric_limits<qint64>::max();
+    if (!headed) {
+        struct stat info {};
+        if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+            result.error = QStringLiteral("Cannot open %1: not a file").arg(archivePath);
+            return result;
+        }
+        size = info.st_size;
     }
-    const qint64 size = info.st_size;
-    if (size <= kVppBlock) {
+    if ((headed ? available : size) <= kVppBlock) {
         result.error = QStringLiteral("%1 ends before its directory").arg(archivePath);
         return result;
     }
-    // The header block and the first directory block come in one read; later reads take
-    // no more than the rest of the directory.
-    char buffer[kVppBlock + kChunkEntries * kVppEntrySize];
-    qint64 available = ReadAt(fd, buffer, std::min<qint64>(2 * kVppBlock, size), 0);
-    const auto* header = reinterpret_cast<const uchar*>(buffer);
-    qint64 limit = kVppMaxEntries;
-    if (available >= 12 && qFromLittleEndian<quint32>(header) == kVppSignature &&
-        qFromLittleEndian<quint32>(header + 4) == 1)
-        limit = std::min<qint64>(limit, qFromLittleEndian<quint32>(header + 8));
+    const qint64 limit =
+        headed ? std::min<qint64>(kVppMaxEntries, qFromLittleEndian<quint32>(header + 8))
+               : kVppMaxEntries;
 
     const char* chunk = buffer + kVppBlock;
     available -= kVppBlock;

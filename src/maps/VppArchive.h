@@ -31,7 +31,8 @@ inline constexpr int kVppMaxEntries = 65536;
 // byte is 0 or the end of the file. A valid version-1 header also bounds the directory by
 // its file count, so a full last directory block or stale bytes after the last entry never
 // yield names taken from file data; only the header and directory blocks are read then.
-// Only regular files are read.
+// Folders and pipes are never read, nor any file that is not a regular one and does not open
+// with a valid header.
 // Never throws; a truncated or unreadable file gives the names read so far and ok = false.
 VppDirectory ReadVppDirectory(const QString& archivePath);
 

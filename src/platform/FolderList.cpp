@@ -51,8 +51,7 @@ bool Match(QStringView name, QStringView pattern) {
     // Iterative match with one backtrack point: the last '*' seen.
     qsizetype n = 0, p = 0, starP = -1, starN = 0;
     while (n < name.size()) {
-        if (p < pattern.size() &&
-            (pattern[p] == u'?' || Folded(pattern[p]) == Folded(name[n]))) {
+        if (p < pattern.size() && (pattern[p] == u'?' || Folded(pattern[p]) == Folded(name[n]))) {
             ++n;
             ++p;
         } else if (p < pattern.size() && pattern[p] == u'*') {

@@ -63,7 +63,8 @@ void Filter_Levels(ShippedMaps& d, const QStringList& candidates) {
 void Read_Levels(ShippedMaps& d, const QStringList& archives) {
     QStringList candidates = Items(d.ui->Lstmpmaps);
     const qsizetype before = candidates.size();
-    ReadLevels(archives, candidates);
+    for (const QString& archive : archives)
+        ReadLevels(archive, candidates);
     d.ui->Lstmpmaps->addItems(before ? candidates.mid(before) : candidates);
     if (!archives.isEmpty())
         Filter_Levels(d, candidates);
