@@ -1,6 +1,7 @@
 #include "maps/MapCatalogue.h"
 
 #include "maps/VppArchive.h"
+#include "platform/FolderList.h"
 
 #include <QFile>
 
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <strings.h>
 #include <vector>
 
@@ -30,11 +32,6 @@ private:
     DIR* dir_;
 };
 
-bool NameOrder(const QString& a, const QString& b) {
-    const int folded = a.compare(b, Qt::CaseInsensitive);
-    return folded != 0 ? folded < 0 : a < b;
-}
-
 // The name lower-cased; plain ASCII, as level names nearly always are, in one pass.
 QString LowerName(QByteArrayView name) {
     QString lower(name.size(), Qt::Uninitialized);
@@ -47,24 +44,34 @@ QString LowerName(QByteArrayView name) {
     return lower;
 }
 
+bool IsLevel(QByteArrayView name) {
+    return name.size() >= 4 && std::memcmp(name.data() + name.size() - 4, ".rfl", 4) == 0;
+}
+
 } // namespace
 
 bool ReadLevels(const QString& archivePath, QStringList& candidates) {
     return VisitVppDirectory(archivePath,
                              [&candidates](QByteArrayView name) {
-                                 if (name.endsWith(".rfl"))
+                                 if (IsLevel(name))
                                      candidates.append(LowerName(name));
                              })
         .ok;
 }
 
 QStringList FilterLevels(const QStringList& candidates, bool ctf) {
-    const QLatin1String prefix = ctf ? QLatin1String("ctf") : QLatin1String("dm");
+    const QStringView prefix = ctf ? u"ctf" : u"dm";
+    const auto kept = [prefix](const QString& level) {
+        return level.size() >= prefix.size() &&
+               std::equal(prefix.begin(), prefix.end(), level.constBegin());
+    };
+    const auto firstLeft = std::find_if_not(candidates.begin(), candidates.end(), kept);
+    if (firstLeft == candidates.end())
+        return candidates;
     QStringList levels;
     levels.reserve(candidates.size());
-    for (const QString& level : candidates)
-        if (level.startsWith(prefix))
-            levels.append(level);
+    std::copy(candidates.begin(), firstLeft, std::back_inserter(levels));
+    std::copy_if(firstLeft, candidates.end(), std::back_inserter(levels), kept);
     return levels;
 }
 

@@ -19,6 +19,7 @@ inline const QString kDmPacks = QStringLiteral("DM*.vpp");
 bool ReadLevels(const QString& archivePath, QStringList& candidates);
 
 // The candidates of a game type, in order: CTF keeps "ctf…", DM and TeamDM keep "dm…".
+// When every candidate is kept, the result shares the candidates' storage.
 QStringList FilterLevels(const QStringList& candidates, bool ctf);
 
 // A folder as a file list reports it: no trailing separator, except for the root.

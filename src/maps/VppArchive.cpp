@@ -13,23 +13,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 
 namespace {
 
 constexpr int kNameSize = 60;
 // Entries read with one call: enough for most packs' whole directory.
 constexpr qint64 kChunkEntries = 256;
-
-// The record's bytes up to its first 0 byte, blanks trimmed.
-QByteArrayView EntryName(const char* record) {
-    const auto* end = static_cast<const char*>(std::memchr(record, 0, kVppEntrySize));
-    const char* last = end ? end : record + kVppEntrySize;
-    while (record < last && *record == ' ')
-        ++record;
-    while (last > record && last[-1] == ' ')
-        --last;
-    return QByteArrayView(record, last - record);
-}
 
 // Reads `size` bytes at `offset`, retrying short reads; the bytes read.
 qint64 ReadAt(int fd, char* into, qint64 size, qint64 offset) {
@@ -53,41 +43,49 @@ qsizetype RoundUp(qsizetype size) {
     return (size + kVppBlock - 1) / kVppBlock * kVppBlock;
 }
 
-VppDirectory VisitDirectory(int fd, const QString& archivePath, const VppVisitor& visit) {
+VppDirectory VisitDirectory(int fd, const QString& archivePath, VppRunVisitor visit,
+                            void* context) {
     VppDirectory result;
-    struct stat info {};
-    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
-        result.error = QStringLiteral("Cannot open %1: not a file").arg(archivePath);
-        return result;
+    // The header block and the first directory block come in one read; later reads take
+    // no more than the rest of the directory. A file that opens with a valid header is read
+    // as the archive it says it is, up to where a read comes short; anything else has to be
+    // a regular file, whose size then bounds the reads.
+    char buffer[kVppBlock + kChunkEntries * kVppEntrySize];
+    qint64 available = ReadAt(fd, buffer, 2 * kVppBlock, 0);
+    const auto* header = reinterpret_cast<const uchar*>(buffer);
+    const bool headed = available >= 12 && qFromLittleEndian<quint32>(header) == kVppSignature &&
+                        qFromLittleEndian<quint32>(header + 4) == 1;
+    qint64 size = std::numeric_limits<qint64>::max();
+    if (!headed) {
+        struct stat info {};
+        if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+            result.error = QStringLiteral("Cannot open %1: not a file").arg(archivePath);
+            return result;
+        }
+        size = info.st_size;
     }
-    const qint64 size = info.st_size;
-    if (size <= kVppBlock) {
+    if ((headed ? available : size) <= kVppBlock) {
         result.error = QStringLiteral("%1 ends before its directory").arg(archivePath);
         return result;
     }
-    // The header block and the first directory block come in one read; later reads take
-    // no more than the rest of the directory.
-    char buffer[kVppBlock + kChunkEntries * kVppEntrySize];
-    qint64 available = ReadAt(fd, buffer, std::min<qint64>(2 * kVppBlock, size), 0);
-    const auto* header = reinterpret_cast<const uchar*>(buffer);
-    qint64 limit = kVppMaxEntries;
-    if (available >= 12 && qFromLittleEndian<quint32>(header) == kVppSignature &&
-        qFromLittleEndian<quint32>(header + 4) == 1)
-        limit = std::min<qint64>(limit, qFromLittleEndian<quint32>(header + 8));
+    const qint64 limit =
+        headed ? std::min<qint64>(kVppMaxEntries, qFromLittleEndian<quint32>(header + 8))
+               : kVppMaxEntries;
 
     const char* chunk = buffer + kVppBlock;
     available -= kVppBlock;
     qint64 offset = kVppBlock;
     for (qint64 entry = 0; entry < limit;) {
         qint64 at = 0;
-        for (; at + kVppEntrySize <= available && entry < limit; at += kVppEntrySize, ++entry) {
+        bool ended = false;
+        for (; at + kVppEntrySize <= available && entry < limit; at += kVppEntrySize, ++entry)
             if (chunk[at] == 0) {
-                result.ok = true;
-                return result;
+                ended = true;
+                break;
             }
-            visit(EntryName(chunk + at));
-        }
-        if (entry == limit)
+        if (at > 0)
+            visit(context, chunk, at / kVppEntrySize);
+        if (ended || entry == limit)
             break;
         offset += at;
         const qint64 wanted =
@@ -114,7 +112,7 @@ QString FromVppName(QByteArrayView name) {
     return text;
 }
 
-VppDirectory VisitVppDirectory(const QString& archivePath, const VppVisitor& visit) {
+VppDirectory VisitVppRuns(const QString& archivePath, VppRunVisitor visit, void* context) {
     // Non-blocking, so a pipe that carries an archive's name cannot stall the reader.
     const int fd =
         ::open(QFile::encodeName(archivePath).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
@@ -124,7 +122,7 @@ VppDirectory VisitVppDirectory(const QString& archivePath, const VppVisitor& vis
                            .arg(archivePath, QString::fromLocal8Bit(std::strerror(errno)));
         return result;
     }
-    VppDirectory result = VisitDirectory(fd, archivePath, visit);
+    VppDirectory result = VisitDirectory(fd, archivePath, visit, context);
     ::close(fd);
     return result;
 }

@@ -6,7 +6,8 @@
 #include <QString>
 #include <QStringList>
 
-#include <functional>
+#include <cstring>
+#include <type_traits>
 
 // The game's .vpp archive, version 1: a 2048-byte header block (signature, version,
 // file count, archive size as little-endian 32-bit words), the directory from byte
@@ -30,14 +31,39 @@ inline constexpr int kVppMaxEntries = 65536;
 // byte is 0 or the end of the file. A valid version-1 header also bounds the directory by
 // its file count, so a full last directory block or stale bytes after the last entry never
 // yield names taken from file data; only the header and directory blocks are read then.
-// Only regular files are read.
+// Folders and pipes are never read, nor any file that is not a regular one and does not open
+// with a valid header.
 // Never throws; a truncated or unreadable file gives the names read so far and ok = false.
 VppDirectory ReadVppDirectory(const QString& archivePath);
 
-// The same reading, handing each entry's name to `visit` as stored, blanks trimmed; the
-// result says how far it went and leaves its names empty.
-using VppVisitor = std::function<void(QByteArrayView name)>;
-VppDirectory VisitVppDirectory(const QString& archivePath, const VppVisitor& visit);
+// A directory entry's name: its bytes up to the first 0 byte (all 64 when there is none),
+// blanks trimmed.
+inline QByteArrayView VppEntryName(const char* record) {
+    const auto* end = static_cast<const char*>(std::memchr(record, 0, kVppEntrySize));
+    const char* last = end ? end : record + kVppEntrySize;
+    while (record < last && *record == ' ')
+        ++record;
+    while (last > record && last[-1] == ' ')
+        --last;
+    return QByteArrayView(record, last - record);
+}
+
+// The same reading, handing the entries over a run at a time: `count` 64-byte records from
+// `records`, every one a name. The result says how far it went and leaves its names empty.
+using VppRunVisitor = void (*)(void* context, const char* records, qsizetype count);
+VppDirectory VisitVppRuns(const QString& archivePath, VppRunVisitor visit, void* context);
+
+// The same reading, handing each entry's name to `visit` as stored, blanks trimmed.
+template <class Visit> VppDirectory VisitVppDirectory(const QString& archivePath, Visit&& visit) {
+    using Visitor = std::remove_reference_t<Visit>;
+    const VppRunVisitor names = [](void* context, const char* records, qsizetype count) {
+        Visitor& each = *static_cast<Visitor*>(context);
+        for (const char* record = records; count-- > 0; record += kVppEntrySize)
+            each(VppEntryName(record));
+    };
+    return VisitVppRuns(archivePath, names, const_cast<void*>(static_cast<const void*>(&visit)));
+}
+
 // A stored name as text: the game's code page, Windows-1252.
 QString FromVppName(QByteArrayView name);
 

@@ -8,6 +8,8 @@
 QStringList ListFolders(const QString& folder);
 // The plain files of `folder` whose names match `pattern` without regard to case.
 QStringList ListFiles(const QString& folder, const QString& pattern);
+// The lists' order: by name without regard to case, then by case.
+bool NameOrder(const QString& a, const QString& b);
 
 // A wildcard pattern as file lists take it: '*' any run of characters, '?' any one;
 // letter case does not count.

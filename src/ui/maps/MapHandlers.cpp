@@ -52,20 +52,22 @@ QString FilePath(const ShippedMaps& d, const QString& name) {
     return folder.endsWith(QLatin1Char('/')) ? folder + name : folder + '/' + name;
 }
 
-void Filter_Levels(ShippedMaps& d) {
+// `candidates` are what Lstmpmaps holds.
+void Filter_Levels(ShippedMaps& d, const QStringList& candidates) {
     d.ui->LSTSHMaps->clear();
-    d.ui->LSTSHMaps->addItems(FilterLevels(Items(d.ui->Lstmpmaps), CtfSelected(d)));
+    d.ui->LSTSHMaps->addItems(FilterLevels(candidates, CtfSelected(d)));
 }
 
 // The filter is run once after the last archive rather than after each: nothing can look
 // at the list in between, and a large installation would pay for every pass.
 void Read_Levels(ShippedMaps& d, const QStringList& archives) {
-    QStringList candidates;
+    QStringList candidates = Items(d.ui->Lstmpmaps);
+    const qsizetype before = candidates.size();
     for (const QString& archive : archives)
         ReadLevels(archive, candidates);
-    d.ui->Lstmpmaps->addItems(candidates);
+    d.ui->Lstmpmaps->addItems(before ? candidates.mid(before) : candidates);
     if (!archives.isEmpty())
-        Filter_Levels(d);
+        Filter_Levels(d, candidates);
 }
 
 void Set_Cust(ShippedMaps& d, const QString& pattern) {
