@@ -4,6 +4,7 @@
 #include "maps/MapCatalogue.h"
 #include "maps/VppArchive.h"
 #include "platform/FolderList.h"
+#include "platform/posix/Heap.h"
 
 #include <QDir>
 #include <QFile>
@@ -123,6 +124,7 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
+    KeepFreedHeap(); // as the program does
     benchmark::Initialize(&argc, argv);
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

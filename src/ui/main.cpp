@@ -1,4 +1,5 @@
 #include "platform/Services.h"
+#include "platform/posix/Heap.h"
 #include "platform/posix/PosixProcessLauncher.h"
 #include "platform/posix/SteadyClock.h"
 #include "platform/qt/CoverageCounters.h"
@@ -46,6 +47,7 @@ private:
 
 int main(int argc, char** argv) {
     WriteCoverageCountersOnTerminate();
+    KeepFreedHeap();
     const WindowSystemChoice windowSystem;
     QApplication application(argc, argv);
     windowSystem.Forget();
