@@ -208,7 +208,7 @@ TEST(LoadAndSave, LoadReplacesEditsSaveRewritesTheWholeSectionOrNothing) {
               "Text2=third;Text3=;MessageOn=1");
 }
 
-// The worked example itself is checked byte for byte by the launch journey. Values are written
+// The worked example itself is the first run's text (the start-up test). Values are written
 // as they stand, only the name losing its blanks; the maps follow in list order, quoted as they
 // stand, in Windows-1252; the file replaces a longer old one and is the operator's alone,
 // whatever the umask. A missing game directory is reported.

@@ -148,7 +148,7 @@ TEST(Launch, FailuresAreReported) {
     }
 }
 
-// No, and Yes when all is saved, are the launch journeys'.
+// No, and Yes when all is saved, are the operator journeys'.
 TEST(Exit, AsksOffersToSaveClosesTheConsoleAndEnds) {
     const auto question = [](const char* text) {
         return MessageRequest{text, "Save and exit or just exit", MsgButtons::YesNo,
