@@ -13,7 +13,6 @@
 #include <functional>
 
 #include <csignal>
-#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -138,9 +137,8 @@ TEST_F(StoreTest, EveryTextReadsBackExactly) {
         store.SaveSetting(App, row.section, row.key, row.value);
         EXPECT_EQ(store.GetSetting(App, row.section, row.key), row.value);
         EXPECT_EQ(IniSettingsStore(folder).GetSetting(App, row.section, row.key), row.value);
-        if (!row.file.isNull()) {
+        if (!row.file.isNull())
             EXPECT_EQ(text(), row.file);
-        }
     }
 }
 
@@ -187,23 +185,23 @@ TEST(StoreLocation, FileLivesInTheUsersConfigFolder) {
 TEST_F(StoreTest, BadFileIsReportedAndNeverWritten) {
     const struct {
         QByteArray bytes;
-        int line;
-        const char* reason;
+        const char* where; // none: the system's own words
     } rows[] = {
-        {"[Startup]\nHasRunSetup=1\nRFLocation=/jeux/\xe9t\xe9\n", 3,
-         "the line is not valid UTF-8 text"},
-        {"[Startup]\nHasRunSetup=1\n\njust some words\n", 4,
-         "the line is neither a [section] header, a key=value line nor a comment"},
-        {"; settings\nHasRunSetup=1\n[Startup]\n", 2, "a key comes before any [section] header"},
-        {"[Startup]\nHasRunSetup=1\n[Default\n", 3, "a section header must end with \"]\""},
-        {"[Startup]\nHasRunSetup=1\nRFLocation=\"/games/rf/\n", 3,
-         "quoted text has no closing double quote"},
-        {"[Startup]\nRFLocation=\"C:\\Games\"\n", 2, "unknown escape \"\\G\" in quoted text"},
-        {"[Startup]\nRFLocation=\"x\\x4\"\n", 2,
-         "\"\\x\" must be followed by two hexadecimal digits"},
-        {"[Startup]\nServRec=\"1\" 0\n", 2, "text follows the quoted value"},
-        {"[Startup]\n\"Port\" 1\n", 2, "a quoted key must be followed by \"=\""},
-        {QByteArray(), 0, nullptr}};
+        {"[Startup]\nHasRunSetup=1\nRFLocation=/jeux/\xe9t\xe9\n",
+         "line 3: the line is not valid UTF-8 text"},
+        {"[Startup]\nHasRunSetup=1\n\njust some words\n",
+         "line 4: the line is neither a [section] header, a key=value line nor a comment"},
+        {"; settings\nHasRunSetup=1\n[Startup]\n",
+         "line 2: a key comes before any [section] header"},
+        {"[Startup]\nHasRunSetup=1\n[Default\n", "line 3: a section header must end with \"]\""},
+        {"[Startup]\nHasRunSetup=1\nRFLocation=\"/games/rf/\n",
+         "line 3: quoted text has no closing double quote"},
+        {"[Startup]\nRFLocation=\"C:\\Games\"\n", "line 2: unknown escape \"\\G\" in quoted text"},
+        {"[Startup]\nRFLocation=\"x\\x4\"\n",
+         "line 2: \"\\x\" must be followed by two hexadecimal digits"},
+        {"[Startup]\nServRec=\"1\" 0\n", "line 2: text follows the quoted value"},
+        {"[Startup]\n\"Port\" 1\n", "line 2: a quoted key must be followed by \"=\""},
+        {QByteArray(), nullptr}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.bytes.toStdString());
         QFile::remove(file);
@@ -217,8 +215,7 @@ TEST_F(StoreTest, BadFileIsReportedAndNeverWritten) {
 
         const auto error = store.loadError(App);
         ASSERT_TRUE(error.has_value());
-        const QString where = row.reason ? QString("line %1: %2").arg(row.line).arg(row.reason)
-                                         : error->reason; // the system's own words
+        const QString where = row.where ? QString(row.where) : error->reason;
         EXPECT_EQ(
             SettingsLoadErrorMessage(*error),
             QString("The settings file %1 cannot be read (%2).\n\nIt has been left unchanged. "

@@ -43,8 +43,7 @@ TEST(FindServerWindow, PrefersTheLaunchedServerThenTheWholeTitleNeverAMention) {
             fake.Add(QString(w).remove('*'));
             fake.windows.last().process = w.endsWith('*') ? 300 : 0;
         }
-        EXPECT_EQ(FindServerWindow(fake, 300), found < 0 ? 0 : fake.windows[found].handle)
-            << desktop;
+        EXPECT_EQ(FindServerWindow(fake, 300), fake.windows[found].handle) << desktop;
     }
 }
 

@@ -144,7 +144,7 @@ TEST_F(PosixProcessLauncherTest, StartsTheProgramInASessionOfItsOwnWithItsArgume
     EXPECT_FALSE(FindPathNoCase(root + "/RedFaction/Maps/rf.exe"));
 }
 
-TEST_F(PosixProcessLauncherTest, FailureGivesASmallErrorCodeAndRunsNothing) {
+TEST_F(PosixProcessLauncherTest, FailureGivesASmallErrorCodeAndTheEndIsReported) {
     Make("Game/readme.txt", "just text\n", false);
     Make("Game/garbage", "no program at all\n", true);
     Make("My Games/rf.exe", kRecorder, true);
@@ -157,18 +157,15 @@ TEST_F(PosixProcessLauncherTest, FailureGivesASmallErrorCodeAndRunsNothing) {
     EXPECT_EQ(start("Game"), 5);
     EXPECT_EQ(start("Game/garbage"), 11);
     EXPECT_EQ(launcher.StartCommandLine(root + "/My Games/Nothing Here -dedicated x", 1), 2);
-    const QString game = Make("Game/RF.EXE", "MZ", false);
-    qputenv("PATH", QFile::encodeName(root + "/nowhere"));
-    EXPECT_EQ(launcher.ShellExecute(game, "", root + "/Game", 1), 31)
-        << "no wine for a Windows program";
-    EXPECT_FALSE(QFile::exists(recordPath));
-    EXPECT_EQ(launcher.StartedProcess(), 0);
-}
-
-TEST_F(PosixProcessLauncherTest, ReportsTheEndWithStatusAndTheLastLinesOfErrorOutput) {
     const QByteArray pe32 =
         "MZ" + QByteArray(58, '\0') + QByteArray("\x40\0\0\0PE\0\0\x4c\x01", 10);
     const QString exe = Make("Win/RF.EXE", pe32, false);
+    qputenv("PATH", QFile::encodeName(root + "/nowhere"));
+    EXPECT_EQ(launcher.ShellExecute(exe, "", root + "/Win", 1), 31)
+        << "no wine for a Windows program";
+    EXPECT_FALSE(QFile::exists(recordPath));
+    EXPECT_EQ(launcher.StartedProcess(), 0);
+
     Make("bin/wine",
          "#!/bin/sh\nhead -c 9000 /dev/zero >&2\nfor i in $(seq 20); do echo line $i "
          ">&2; done\nexit 3\n",

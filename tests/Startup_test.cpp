@@ -173,11 +173,9 @@ TEST(Startup, LoadsDefaultRestoresThePreferencesAlongTheirChainAndStoresTheirCha
     EXPECT_TRUE(ui.TXTPort->isEnabled());
     // Only digits and the point stay, the cursor at the end, however long the number.
     const QString digits(320, u'7');
-    for (const auto& [typed, kept] :
-         QList<QPair<QString, QString>>{{"12a34", "1234"},
-                                        {"12.5", "12.5"},
-                                        {"abc", ""},
-                                        {digits + "x" + digits, digits + digits}}) {
+    const std::pair<QString, QString> ports[] = {
+        {"12a34", "1234"}, {"12.5", "12.5"}, {"abc", ""}, {digits + "x" + digits, digits + digits}};
+    for (const auto& [typed, kept] : ports) {
         ui.TXTPort->setText(typed);
         EXPECT_EQ(ui.TXTPort->text(), kept) << typed.toStdString();
         EXPECT_EQ(ui.TXTPort->cursorPosition(), kept.size()) << typed.toStdString();

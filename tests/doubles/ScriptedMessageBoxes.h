@@ -24,10 +24,9 @@ public:
     }
 
     void Notify(const MessageRequest& request) override { notices.append(request); }
-    bool IsShowing() override { return showing; }
+    bool IsShowing() override { return false; }
 
     QList<MessageRequest> shown, notices;
-    bool showing = false;
     QList<MsgAnswer> answers;
     // Runs while a box is "open", before it is answered (e.g. to look at the windows).
     std::function<void(const MessageRequest&)> onShow;
