@@ -76,9 +76,8 @@ TEST(ConfigFields, EveryChoiceAndKeystrokeShowsAtOnceTypingInAListPicksNothing) 
                                                                        {ui.LSTConfig, "default"}}) {
         const int index = list->currentIndex();
         list->lineEdit()->selectAll();
-        QTest::keyClicks(list->lineEdit(), typed);
-        QTest::keyClick(list->lineEdit(), Qt::Key_Return);
-        emit list->lineEdit()->editingFinished(); // as when the field loses the focus
+        QTest::keyClicks(list->lineEdit(), typed + '\r'); // Enter after it
+        emit list->lineEdit()->editingFinished();         // as when the field loses the focus
         EXPECT_EQ(std::pair(list->lineEdit()->text(), list->currentIndex()),
                   std::pair(typed, index));
     }
@@ -322,10 +321,8 @@ TEST(ConfigList, NewCopyAndDeleteKeepTheListNumberedAndRefuseWhatWouldHarmIt) {
         const auto dialog = [&] { return m.forms.NewConf ? m.forms.NewConf : m.forms.CopyConfig; };
 
         QTest::mouseClick(m.w->findChild<QPushButton*>(row.run), Qt::LeftButton);
-        if (dialog()) {
-            QTest::keyClicks(dialog()->findChild<QLineEdit*>("TXTNewName"), row.typed);
-            QTest::keyClick(dialog()->findChild<QLineEdit*>("TXTNewName"), Qt::Key_Return);
-        }
+        if (dialog()) // typed, then Enter
+            QTest::keyClicks(dialog()->findChild<QLineEdit*>("TXTNewName"), row.typed + '\r');
         QStringList told;
         for (const MessageRequest& box : m.t.messages.shown)
             told << box.title + ": " + box.text;
