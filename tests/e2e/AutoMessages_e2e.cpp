@@ -95,13 +95,11 @@ TEST_P(Recovery, AServerThatDiedIsStartedAgainAndTheMessagesGoOn) {
     ASSERT_TRUE(!messagesOff || (desktop_.Activate(main_) && ClickMain("CHKMessage")));
 
     bool boxShown = false;
-    ASSERT_TRUE(WaitUntil(
-        [&] {
-            boxShown |= desktop_.Find(kServerErrorTitle).has_value();
-            return Transcript().size() >= 4;
-        },
-        kInterval + 20s))
-        << Transcript().join(" | ");
+    const auto secondBatch = [&] {
+        boxShown |= desktop_.Find(kServerErrorTitle).has_value();
+        return Transcript().size() >= 4;
+    };
+    ASSERT_TRUE(WaitUntil(secondBatch, kInterval + 20s)) << Transcript().join(" | ");
     EXPECT_FALSE(boxShown);
     EXPECT_EQ(Transcript(), kBatch + kBatch);
     EXPECT_EQ(KeyTexts(), kBatch); // the new server's own key log
@@ -164,8 +162,7 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
 
     // Anything typed into the other window would sit in its terminal line until a line
     // end; our own probe and its Return flush it out together.
-    ASSERT_TRUE(desktop_.Activate(*otherId) && desktop_.Run("xdotool", {"type", "probe"}) &&
-                desktop_.Key("Return"));
+    ASSERT_TRUE(desktop_.Activate(*otherId) && desktop_.Type("probe") && desktop_.Key("Return"));
     EXPECT_TRUE(WaitUntil([&] { return ReadFile(other).endsWith('\n'); }, 10s));
     EXPECT_EQ(ReadFile(other), "probe\n");
 }

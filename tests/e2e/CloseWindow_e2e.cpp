@@ -74,12 +74,7 @@ private:
 
 // Mapped raised, a window ends up on top once the window manager has placed it.
 bool OnTop(const Desktop& desktop, WindowId id) {
-    return WaitUntil(
-        [&] {
-            const auto windows = desktop.Windows();
-            return !windows.empty() && windows.front() == id;
-        },
-        15s);
+    return WaitUntil([&] { return desktop.Windows().value(0) == id; }, 15s);
 }
 
 // A foreign console window, as the server run through Wine would show it.
@@ -152,21 +147,20 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     // Already in front: reported at once.
     EXPECT_TRUE(Activated(services, upperId));
 
-    CloseWindowByTitle(services, kServerTitle);
-    EXPECT_TRUE(upper.WaitForExit(10s)) << "the upper console was not closed";
-    ASSERT_TRUE(desktop_.WaitGone(upperId));
-    CloseWindowByTitle(services, kServerTitle);
-    EXPECT_TRUE(lower.WaitForExit(10s));
-    ASSERT_TRUE(desktop_.WaitGone(lowerId));
+    // Each walk closes the uppermost console left: its xterm ends and its window goes.
+    const auto closesNext = [&](Process& xterm, WindowId id) {
+        CloseWindowByTitle(services, kServerTitle);
+        return xterm.WaitForExit(15s) && desktop_.WaitGone(id);
+    };
+    ASSERT_TRUE(closesNext(upper, upperId)) << "the upper console was not closed";
+    ASSERT_TRUE(closesNext(lower, lowerId));
     EXPECT_TRUE(part.IsRunning());
     EXPECT_EQ(FindServerWindow(services, 0), 0u);
 
     // openbox ends the connection of a client that cannot be asked politely.
     auto [plain, plainId] = Xterm(desktop_, kServerTitle);
-    desktop_.Run("xprop", {"-id", QString::number(plainId), "-remove", "WM_PROTOCOLS"});
-    CloseWindowByTitle(services, kServerTitle);
-    EXPECT_TRUE(plain.WaitForExit(15s));
-    ASSERT_TRUE(desktop_.WaitGone(plainId));
+    desktop_.Properties(plainId, {"-remove", "WM_PROTOCOLS"});
+    ASSERT_TRUE(closesNext(plain, plainId));
 
     RawWindow below(desktop_, kServerTitle, {.ownPid = false});
     ASSERT_TRUE(OnTop(desktop_, below.Id()));
