@@ -136,9 +136,7 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     ASSERT_TRUE(ClickMain("CHKMessage"));
 
     const QString other = gameParent_.filePath("OTHER");
-    Process xterm("xterm", {"-T", kDecoyTitle, "-e", "sh", "-c", "cat > '" + other + "'"},
-                  desktop_.Environment());
-    const auto otherId = desktop_.WaitFor(kDecoyTitle);
+    auto [xterm, otherId] = desktop_.Xterm(kDecoyTitle, "cat > '" + other + "'");
     ASSERT_TRUE(otherId);
 
     // Every 15 keys or so (or 2 s, should the keys stop coming), click into the other window
@@ -148,8 +146,8 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     for (int round = 0; round < 6; ++round) {
         const int target = std::min(lineKeys - 5, KeyCount() + 15);
         WaitUntil([&] { return KeyCount() >= target; }, 2s);
-        desktop_.Click(*otherId, {40, 40});
-        desktop_.Run("xdotool", {"windowactivate", QString::number(*otherId)});
+        desktop_.Click(otherId, {40, 40});
+        desktop_.Run("xdotool", {"windowactivate", QString::number(otherId)});
         stolen += desktop_.Active() == otherId || desktop_.Focused() == otherId;
     }
     EXPECT_GT(stolen, 0) << "the other window never held the focus: nothing was tested";
@@ -162,7 +160,7 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
 
     // Anything typed into the other window would sit in its terminal line until a line
     // end; our own probe and its Return flush it out together.
-    ASSERT_TRUE(desktop_.Activate(*otherId) && desktop_.Type("probe") && desktop_.Key("Return"));
+    ASSERT_TRUE(desktop_.Activate(otherId) && desktop_.Type("probe") && desktop_.Key("Return"));
     EXPECT_TRUE(WaitUntil([&] { return ReadFile(other).endsWith('\n'); }, 10s));
     EXPECT_EQ(ReadFile(other), "probe\n");
 }

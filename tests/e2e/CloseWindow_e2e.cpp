@@ -77,14 +77,6 @@ bool OnTop(const Desktop& desktop, WindowId id) {
     return WaitUntil([&] { return desktop.Windows().value(0) == id; }, 15s);
 }
 
-// A foreign console window, as the server run through Wine would show it.
-std::pair<Process, WindowId> Xterm(const Desktop& desktop, const QString& title) {
-    Process xterm("xterm", {"-T", title, "-e", "sleep", "600"}, desktop.Environment());
-    const WindowId id = desktop.WaitFor(title).value_or(0);
-    EXPECT_NE(id, 0u) << title;
-    return {std::move(xterm), id};
-}
-
 // Asks for the window to be activated, as the typist does; true when it holds the focus.
 bool Activated(X11WindowServices& services, WindowHandle window) {
     services.ActivateWindow(window);
@@ -100,10 +92,9 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     X11Keyboard keyboard;
     RawWindow main(desktop_, "Hostwarden");
     ASSERT_TRUE(OnTop(desktop_, main.Id()));
-    // The xterm's cat writes the console's lines to transcript.txt, as the stand-in does.
-    Process upper("xterm", {"-T", kServerTitle, "-e", "sh", "-c", "cat > transcript.txt"},
-                  desktop_.Environment(), game_);
-    const WindowId upperId = desktop_.WaitFor(kServerTitle).value_or(0);
+    // Foreign consoles, as the server run through Wine would show them. This one's cat writes
+    // the console's lines to transcript.txt, as the stand-in does.
+    auto [upper, upperId] = desktop_.Xterm(kServerTitle, "cat > transcript.txt", game_);
 
     // Every character that needs Shift on a US layout, and most that do not. The console may
     // map before it takes the focus, so each waits for activation to report it focused.
@@ -136,8 +127,8 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
         EXPECT_TRUE(upper.IsRunning());
     }
 
-    auto [lower, lowerId] = Xterm(desktop_, "my RED FACTION DEDICATED SERVER log");
-    auto [part, partId] = Xterm(desktop_, "Red Faction Dedicated");
+    auto [lower, lowerId] = desktop_.Xterm("my RED FACTION DEDICATED SERVER log");
+    auto [part, partId] = desktop_.Xterm("Red Faction Dedicated");
     // The first one started is raised again, so "upper" is not merely "newest".
     ASSERT_TRUE(desktop_.Activate(upperId));
     ASSERT_TRUE(desktop_.Activate(partId));
@@ -158,7 +149,7 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     EXPECT_EQ(FindServerWindow(services, 0), 0u);
 
     // openbox ends the connection of a client that cannot be asked politely.
-    auto [plain, plainId] = Xterm(desktop_, kServerTitle);
+    auto [plain, plainId] = desktop_.Xterm(kServerTitle);
     desktop_.Properties(plainId, {"-remove", "WM_PROTOCOLS"});
     ASSERT_TRUE(closesNext(plain, plainId));
 

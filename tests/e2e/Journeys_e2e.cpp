@@ -50,8 +50,8 @@ TEST_F(Journey, FromAboutThroughAFirstRunToTheConfigurationList) {
     EXPECT_TRUE(lines[23].startsWith("If you wish to use the Server Recovery option you MUST use "
                                      "AutoMessages."));
     ASSERT_TRUE(Click(*about, "About", "CMDOK") && desktop_.WaitGone(*about));
-    ASSERT_TRUE(ClickMain("CMDExit"));
-    ASSERT_TRUE(Answer(kExitTitle, "Return")) << "the main window takes no input";
+    ASSERT_TRUE(ClickMain("CMDExit") && Answer(kExitTitle, "Return"))
+        << "the main window takes no input";
 
     ASSERT_TRUE(ClickMain("CMDAbout") && (about = desktop_.WaitFor("About-Help")));
     ASSERT_TRUE(Click(*about, "About", "CMDReset"));
@@ -116,8 +116,7 @@ TEST_F(Journey, FromAboutThroughAFirstRunToTheConfigurationList) {
     ASSERT_TRUE(name && desktop_.Activate(*name) && desktop_.Type("test 1"));
     EXPECT_TRUE(desktop_.Properties(*name).contains("WM_TRANSIENT_FOR"))
         << "NewConf has no taskbar entry of its own";
-    ASSERT_TRUE(desktop_.Key("Return"));
-    ASSERT_TRUE(desktop_.WaitGone(*name));
+    ASSERT_TRUE(desktop_.Key("Return") && desktop_.WaitGone(*name));
     EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=2", "Conf1=DEFAULT", "Conf2=TEST1"}));
     const QStringList test1 = Section("TEST1");
     EXPECT_TRUE(test1.contains("servname=$Me's Dedicated CTF running Hostwarden 2.0"))

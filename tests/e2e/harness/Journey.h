@@ -145,6 +145,14 @@ public:
     const QString& Display() const { return display_; }
     QStringList Environment() const { return QStringList{"DISPLAY=" + display_} + platform_; }
     void UseInThisProcess() const { setenv("DISPLAY", display_.toLocal8Bit().constData(), 1); }
+    // An xterm running `command` in `workDir`, and its window (0 when none came).
+    std::pair<Process, WindowId> Xterm(const QString& title, const QString& command = "sleep 600",
+                                       const QString& workDir = {}) const {
+        Process xterm("xterm", {"-T", title, "-e", "sh", "-c", command}, Environment(), workDir);
+        const WindowId id = WaitFor(title).value_or(0);
+        EXPECT_NE(id, 0u) << title;
+        return {std::move(xterm), id};
+    }
     // Ends the X server, as its clients see a lost connection.
     void StopServer() {
         windowManager_.Stop();
