@@ -183,8 +183,7 @@ TEST_F(Journey, QuestionsKeepTheKeyboardAndASecondLaunchDropsTheHalfLine) {
     ASSERT_TRUE(desktop_.Key("Return")); // "No", the default button: program and server go on
     ASSERT_TRUE(WaitUntil([&] { return KeyCount() >= line.size() + 10; }, kInterval + 30s));
     EXPECT_FALSE(ReadFile(GameFile("events.txt")).contains("closed pid"));
-    ASSERT_TRUE(ClickMain("CMDLaunch"));
-    ASSERT_TRUE(WaitForTranscript(2, kInterval + 30s)) << Windows();
+    ASSERT_TRUE(ClickMain("CMDLaunch") && WaitForTranscript(2, kInterval + 30s)) << Windows();
     EXPECT_FALSE(desktop_.Find(kServerErrorTitle)) << "a Server Error box waits for its answer";
     EXPECT_EQ(Transcript(), QStringList({line, line}));
     EXPECT_EQ(KeyTexts(), QStringList{line}) << "the new server's own keys";

@@ -130,8 +130,7 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     auto [lower, lowerId] = desktop_.Xterm("my RED FACTION DEDICATED SERVER log");
     auto [part, partId] = desktop_.Xterm("Red Faction Dedicated");
     // The first one started is raised again, so "upper" is not merely "newest".
-    ASSERT_TRUE(desktop_.Activate(upperId));
-    ASSERT_TRUE(desktop_.Activate(partId));
+    ASSERT_TRUE(desktop_.Activate(upperId) && desktop_.Activate(partId));
     ASSERT_EQ(FindServerWindow(services, 0), upperId);
     EXPECT_TRUE(WaitUntil([&] { return Activated(services, upperId); }, 10s));
     EXPECT_EQ(desktop_.Active(), upperId);
