@@ -95,13 +95,11 @@ TEST_P(Recovery, AServerThatDiedIsStartedAgainAndTheMessagesGoOn) {
     ASSERT_TRUE(!messagesOff || (desktop_.Activate(main_) && ClickMain("CHKMessage")));
 
     bool boxShown = false;
-    ASSERT_TRUE(WaitUntil(
-        [&] {
-            boxShown |= desktop_.Find(kServerErrorTitle).has_value();
-            return Transcript().size() >= 4;
-        },
-        kInterval + 20s))
-        << Transcript().join(" | ");
+    const auto secondBatch = [&] {
+        boxShown |= desktop_.Find(kServerErrorTitle).has_value();
+        return Transcript().size() >= 4;
+    };
+    ASSERT_TRUE(WaitUntil(secondBatch, kInterval + 20s)) << Transcript().join(" | ");
     EXPECT_FALSE(boxShown);
     EXPECT_EQ(Transcript(), kBatch + kBatch);
     EXPECT_EQ(KeyTexts(), kBatch); // the new server's own key log
@@ -138,9 +136,7 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     ASSERT_TRUE(ClickMain("CHKMessage"));
 
     const QString other = gameParent_.filePath("OTHER");
-    Process xterm("xterm", {"-T", kDecoyTitle, "-e", "sh", "-c", "cat > '" + other + "'"},
-                  desktop_.Environment());
-    const auto otherId = desktop_.WaitFor(kDecoyTitle);
+    auto [xterm, otherId] = desktop_.Xterm(kDecoyTitle, "cat > '" + other + "'");
     ASSERT_TRUE(otherId);
 
     // Every 15 keys or so (or 2 s, should the keys stop coming), click into the other window
@@ -150,8 +146,8 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
     for (int round = 0; round < 6; ++round) {
         const int target = std::min(lineKeys - 5, KeyCount() + 15);
         WaitUntil([&] { return KeyCount() >= target; }, 2s);
-        desktop_.Click(*otherId, {40, 40});
-        desktop_.Run("xdotool", {"windowactivate", QString::number(*otherId)});
+        desktop_.Click(otherId, {40, 40});
+        desktop_.Run("xdotool", {"windowactivate", QString::number(otherId)});
         stolen += desktop_.Active() == otherId || desktop_.Focused() == otherId;
     }
     EXPECT_GT(stolen, 0) << "the other window never held the focus: nothing was tested";
@@ -164,8 +160,7 @@ TEST_F(Journey, ClicksIntoAnotherWindowWhileTypingLoseNoKey) {
 
     // Anything typed into the other window would sit in its terminal line until a line
     // end; our own probe and its Return flush it out together.
-    ASSERT_TRUE(desktop_.Activate(*otherId) && desktop_.Run("xdotool", {"type", "probe"}) &&
-                desktop_.Key("Return"));
+    ASSERT_TRUE(desktop_.Activate(otherId) && desktop_.Type("probe") && desktop_.Key("Return"));
     EXPECT_TRUE(WaitUntil([&] { return ReadFile(other).endsWith('\n'); }, 10s));
     EXPECT_EQ(ReadFile(other), "probe\n");
 }
@@ -188,8 +183,7 @@ TEST_F(Journey, QuestionsKeepTheKeyboardAndASecondLaunchDropsTheHalfLine) {
     ASSERT_TRUE(desktop_.Key("Return")); // "No", the default button: program and server go on
     ASSERT_TRUE(WaitUntil([&] { return KeyCount() >= line.size() + 10; }, kInterval + 30s));
     EXPECT_FALSE(ReadFile(GameFile("events.txt")).contains("closed pid"));
-    ASSERT_TRUE(ClickMain("CMDLaunch"));
-    ASSERT_TRUE(WaitForTranscript(2, kInterval + 30s)) << Windows();
+    ASSERT_TRUE(ClickMain("CMDLaunch") && WaitForTranscript(2, kInterval + 30s)) << Windows();
     EXPECT_FALSE(desktop_.Find(kServerErrorTitle)) << "a Server Error box waits for its answer";
     EXPECT_EQ(Transcript(), QStringList({line, line}));
     EXPECT_EQ(KeyTexts(), QStringList{line}) << "the new server's own keys";

@@ -74,20 +74,7 @@ private:
 
 // Mapped raised, a window ends up on top once the window manager has placed it.
 bool OnTop(const Desktop& desktop, WindowId id) {
-    return WaitUntil(
-        [&] {
-            const auto windows = desktop.Windows();
-            return !windows.empty() && windows.front() == id;
-        },
-        15s);
-}
-
-// A foreign console window, as the server run through Wine would show it.
-std::pair<Process, WindowId> Xterm(const Desktop& desktop, const QString& title) {
-    Process xterm("xterm", {"-T", title, "-e", "sleep", "600"}, desktop.Environment());
-    const WindowId id = desktop.WaitFor(title).value_or(0);
-    EXPECT_NE(id, 0u) << title;
-    return {std::move(xterm), id};
+    return WaitUntil([&] { return desktop.Windows().value(0) == id; }, 15s);
 }
 
 // Asks for the window to be activated, as the typist does; true when it holds the focus.
@@ -105,10 +92,9 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
     X11Keyboard keyboard;
     RawWindow main(desktop_, "Hostwarden");
     ASSERT_TRUE(OnTop(desktop_, main.Id()));
-    // The xterm's cat writes the console's lines to transcript.txt, as the stand-in does.
-    Process upper("xterm", {"-T", kServerTitle, "-e", "sh", "-c", "cat > transcript.txt"},
-                  desktop_.Environment(), game_);
-    const WindowId upperId = desktop_.WaitFor(kServerTitle).value_or(0);
+    // Foreign consoles, as the server run through Wine would show them. This one's cat writes
+    // the console's lines to transcript.txt, as the stand-in does.
+    auto [upper, upperId] = desktop_.Xterm(kServerTitle, "cat > transcript.txt", game_);
 
     // Every character that needs Shift on a US layout, and most that do not. The console may
     // map before it takes the focus, so each waits for activation to report it focused.
@@ -141,32 +127,30 @@ TEST_F(Journey, TheServerConsoleIsTypedIntoActivatedAndClosedFromTheTopDown) {
         EXPECT_TRUE(upper.IsRunning());
     }
 
-    auto [lower, lowerId] = Xterm(desktop_, "my RED FACTION DEDICATED SERVER log");
-    auto [part, partId] = Xterm(desktop_, "Red Faction Dedicated");
+    auto [lower, lowerId] = desktop_.Xterm("my RED FACTION DEDICATED SERVER log");
+    auto [part, partId] = desktop_.Xterm("Red Faction Dedicated");
     // The first one started is raised again, so "upper" is not merely "newest".
-    ASSERT_TRUE(desktop_.Activate(upperId));
-    ASSERT_TRUE(desktop_.Activate(partId));
+    ASSERT_TRUE(desktop_.Activate(upperId) && desktop_.Activate(partId));
     ASSERT_EQ(FindServerWindow(services, 0), upperId);
     EXPECT_TRUE(WaitUntil([&] { return Activated(services, upperId); }, 10s));
     EXPECT_EQ(desktop_.Active(), upperId);
     // Already in front: reported at once.
     EXPECT_TRUE(Activated(services, upperId));
 
-    CloseWindowByTitle(services, kServerTitle);
-    EXPECT_TRUE(upper.WaitForExit(10s)) << "the upper console was not closed";
-    ASSERT_TRUE(desktop_.WaitGone(upperId));
-    CloseWindowByTitle(services, kServerTitle);
-    EXPECT_TRUE(lower.WaitForExit(10s));
-    ASSERT_TRUE(desktop_.WaitGone(lowerId));
+    // Each walk closes the uppermost console left: its xterm ends and its window goes.
+    const auto closesNext = [&](Process& xterm, WindowId id) {
+        CloseWindowByTitle(services, kServerTitle);
+        return xterm.WaitForExit(15s) && desktop_.WaitGone(id);
+    };
+    ASSERT_TRUE(closesNext(upper, upperId)) << "the upper console was not closed";
+    ASSERT_TRUE(closesNext(lower, lowerId));
     EXPECT_TRUE(part.IsRunning());
     EXPECT_EQ(FindServerWindow(services, 0), 0u);
 
     // openbox ends the connection of a client that cannot be asked politely.
-    auto [plain, plainId] = Xterm(desktop_, kServerTitle);
-    desktop_.Run("xprop", {"-id", QString::number(plainId), "-remove", "WM_PROTOCOLS"});
-    CloseWindowByTitle(services, kServerTitle);
-    EXPECT_TRUE(plain.WaitForExit(15s));
-    ASSERT_TRUE(desktop_.WaitGone(plainId));
+    auto [plain, plainId] = desktop_.Xterm(kServerTitle);
+    desktop_.Properties(plainId, {"-remove", "WM_PROTOCOLS"});
+    ASSERT_TRUE(closesNext(plain, plainId));
 
     RawWindow below(desktop_, kServerTitle, {.ownPid = false});
     ASSERT_TRUE(OnTop(desktop_, below.Id()));

@@ -1,7 +1,4 @@
-// The operator's journeys through the main window: every dialog and About, the settings
-// reset, the first run (backup warning, Setup, Browse), launching and leaving, the
-// configuration list and mods, hand-edited settings, a second start, the map rotation and the
-// packaged program.
+// The operator's journeys through the main window, from the first run to the packaged program.
 #include "Journey.h"
 
 #include <QFile>
@@ -53,26 +50,24 @@ TEST_F(Journey, FromAboutThroughAFirstRunToTheConfigurationList) {
     EXPECT_TRUE(lines[23].startsWith("If you wish to use the Server Recovery option you MUST use "
                                      "AutoMessages."));
     ASSERT_TRUE(Click(*about, "About", "CMDOK") && desktop_.WaitGone(*about));
-    ASSERT_TRUE(ClickMain("CMDExit"));
-    auto question = desktop_.WaitFor(kExitTitle);
-    ASSERT_TRUE(question && Answer(*question, "Return")) << "the main window takes no input";
+    ASSERT_TRUE(ClickMain("CMDExit") && Answer(kExitTitle, "Return"))
+        << "the main window takes no input";
 
     ASSERT_TRUE(ClickMain("CMDAbout") && (about = desktop_.WaitFor("About-Help")));
     ASSERT_TRUE(Click(*about, "About", "CMDReset"));
-    ASSERT_TRUE(question = desktop_.WaitFor("Reset Application Registry Entries?"));
-    ASSERT_TRUE(Answer(*question, "alt+y"));
+    ASSERT_TRUE(Answer("Reset Application Registry Entries?", "alt+y"));
     EXPECT_TRUE(hostwarden_.WaitForExit(10s)) << Windows();
     const QByteArray emptied = Settings();
     EXPECT_EQ(emptied.trimmed(), "");
 
     hostwarden_ = StartHostwarden();
-    auto warning = desktop_.WaitFor("Warning");
-    ASSERT_TRUE(warning && Answer(*warning, "Escape")) << Windows(); // Cancel
+    ASSERT_TRUE(Answer("Warning", "Escape")); // Cancel
     EXPECT_TRUE(hostwarden_.WaitForExit(10s));
     EXPECT_FALSE(desktop_.Find("Setup"));
     EXPECT_EQ(Settings(), emptied);
     hostwarden_ = StartHostwarden();
-    ASSERT_TRUE(warning = desktop_.WaitFor("Warning"));
+    const auto warning = desktop_.WaitFor("Warning");
+    ASSERT_TRUE(warning);
     EXPECT_FALSE(desktop_.Find("Setup")) << "Setup is shown only after the warning";
     ASSERT_TRUE(Answer(*warning, "Return"));
     const auto setup = desktop_.WaitFor("Setup");
@@ -85,11 +80,11 @@ TEST_F(Journey, FromAboutThroughAFirstRunToTheConfigurationList) {
     ASSERT_TRUE(Click(*setup, "Setup", "CMDBrowse")); // beside Browse, on the disabled Setup
     EXPECT_TRUE(WaitUntil([&] { return desktop_.Active() == browse; }, 5s)) << "Browse in front";
     // The folder list opens at the home, which holds "config" and the game.
-    ASSERT_TRUE(Answer(*browse, "Tab") && desktop_.Run("xdotool", {"type", "config"}));
+    ASSERT_TRUE(Answer(*browse, "Tab") && desktop_.Type("config"));
     ASSERT_TRUE(Click(*browse, "Browse", "CMDOK"));
     EXPECT_FALSE(desktop_.WaitGone(*browse, 1s)) << "OK taken in a folder without RF.EXE";
     EXPECT_FALSE(desktop_.Find(kMainTitle)) << "Setup's OK is disabled without a directory";
-    ASSERT_TRUE(desktop_.Run("xdotool", {"type", "game"}));
+    ASSERT_TRUE(desktop_.Type("game"));
     ASSERT_TRUE(Click(*browse, "Browse", "CMDOK") && desktop_.WaitGone(*browse));
     ASSERT_TRUE(Click(*setup, "Setup", "CMDOK"));
     ASSERT_TRUE(main_ = desktop_.WaitFor(kMainTitle).value_or(0)) << Windows();
@@ -104,8 +99,7 @@ TEST_F(Journey, FromAboutThroughAFirstRunToTheConfigurationList) {
     const auto server = desktop_.WaitFor(kServerTitle);
     ASSERT_TRUE(server) << Windows();
     EXPECT_EQ(GameLines("commandline.txt").mid(1), QStringList({"-dedicated", "DEFAULT"}));
-    ASSERT_TRUE(ClickMain("CMDExit") && (question = desktop_.WaitFor(kExitTitle)));
-    ASSERT_TRUE(Answer(*question, "alt+y"));
+    ASSERT_TRUE(ClickMain("CMDExit") && Answer(kExitTitle, "alt+y"));
     EXPECT_TRUE(hostwarden_.WaitForExit(15s)) << "still running; windows: " << Windows();
     EXPECT_TRUE(desktop_.WaitGone(*server)) << "the server window was not closed";
     EXPECT_TRUE(
@@ -119,12 +113,10 @@ TEST_F(Journey, FromAboutThroughAFirstRunToTheConfigurationList) {
     // the mod; Delete renumbers the list.
     ASSERT_TRUE(ClickMain("CMDNew"));
     auto name = desktop_.WaitFor("Name?");
-    ASSERT_TRUE(name && desktop_.Activate(*name) && desktop_.Run("xdotool", {"type", "test 1"}));
-    EXPECT_TRUE(
-        desktop_.Run("xprop", {"-id", QString::number(*name)})->contains("WM_TRANSIENT_FOR"))
+    ASSERT_TRUE(name && desktop_.Activate(*name) && desktop_.Type("test 1"));
+    EXPECT_TRUE(desktop_.Properties(*name).contains("WM_TRANSIENT_FOR"))
         << "NewConf has no taskbar entry of its own";
-    ASSERT_TRUE(desktop_.Key("Return"));
-    ASSERT_TRUE(desktop_.WaitGone(*name));
+    ASSERT_TRUE(desktop_.Key("Return") && desktop_.WaitGone(*name));
     EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=2", "Conf1=DEFAULT", "Conf2=TEST1"}));
     const QStringList test1 = Section("TEST1");
     EXPECT_TRUE(test1.contains("servname=$Me's Dedicated CTF running Hostwarden 2.0"))
@@ -132,8 +124,8 @@ TEST_F(Journey, FromAboutThroughAFirstRunToTheConfigurationList) {
 
     ASSERT_TRUE(ClickMain("CMDCopy"));
     auto copy = desktop_.WaitFor("Copy TEST1 to:");
-    ASSERT_TRUE(copy && Click(*copy, "CopyConfig", "TXTNewName") &&
-                desktop_.Run("xdotool", {"type", "copy"}) && desktop_.Key("Return"));
+    ASSERT_TRUE(copy && Click(*copy, "CopyConfig", "TXTNewName") && desktop_.Type("copy") &&
+                desktop_.Key("Return"));
     ASSERT_TRUE(desktop_.WaitGone(*copy));
     const QStringList copied = Section("COPY");
     EXPECT_EQ(copied.size(), test1.size() - 1) << "every field but the mod";
@@ -143,9 +135,7 @@ TEST_F(Journey, FromAboutThroughAFirstRunToTheConfigurationList) {
 
     // The list's edit field takes the focus; Up selects the entry before COPY.
     ASSERT_TRUE(ClickMain("LSTConfig") && desktop_.Key("Up") && ClickMain("CMDDelete"));
-    ASSERT_TRUE((question = desktop_.WaitFor("Delete Configuration?")) &&
-                Answer(*question, "alt+y"));
-    ASSERT_TRUE((question = desktop_.WaitFor("Settings Deleted")) && Answer(*question, "Return"));
+    ASSERT_TRUE(Answer("Delete Configuration?", "alt+y") && Answer("Settings Deleted", "Return"));
     EXPECT_EQ(Section("ConfName"), QStringList({"ConfCount=2", "Conf1=DEFAULT", "Conf2=COPY"}));
     EXPECT_TRUE(Section("TEST1").isEmpty());
 
@@ -172,8 +162,7 @@ TEST_F(Journey, FromAboutThroughAFirstRunToTheConfigurationList) {
 TEST_F(Journey, HandEditsAndASecondStartAreSurvived) {
     ASSERT_EQ(::mkfifo(QFile::encodeName(SettingsFile()).constData(), 0600), 0);
     hostwarden_ = StartHostwarden();
-    const auto refused = desktop_.WaitFor("Settings Error", 10s);
-    ASSERT_TRUE(refused && Answer(*refused, "Return")) << Windows();
+    ASSERT_TRUE(Answer("Settings Error", "Return"));
     EXPECT_TRUE(hostwarden_.WaitForExit(10s));
     ASSERT_TRUE(QFile::remove(SettingsFile()));
 
@@ -187,9 +176,7 @@ TEST_F(Journey, HandEditsAndASecondStartAreSurvived) {
     ASSERT_TRUE(desktop_.Run("xdotool", {"type", "--delay", "2", digits}));
     EXPECT_TRUE(WaitUntil([&] { return Section("Startup").contains("PortNum=" + digits); }, 10s));
     const auto iconic = [&] {
-        const QString state =
-            desktop_.Run("xprop", {"-id", QString::number(main_), "_NET_WM_STATE", "WM_STATE"})
-                .value_or("");
+        const QString state = desktop_.Properties(main_, {"_NET_WM_STATE", "WM_STATE"});
         return state.contains("_NET_WM_STATE_HIDDEN") && state.contains("Iconic");
     };
     ASSERT_FALSE(iconic());
@@ -284,9 +271,7 @@ TEST_F(Journey, PackagedProgramRunsOnItsDemoGame) {
     hostwarden_ = StartHostwarden(std::nullopt, root.filePath("usr/bin/hostwarden"));
     ASSERT_TRUE(main_ = desktop_.WaitFor(kMainTitle, 30s).value_or(0)) << Windows();
     // The desktop shell ties the window to its menu entry through the window class.
-    const QString wmClass = desktop_.Run("xprop", {"-id", QString::number(main_), "WM_CLASS"})
-                                .value_or("")
-                                .section('"', 3, 3);
+    const QString wmClass = desktop_.Properties(main_, {"WM_CLASS"}).section('"', 3, 3);
     EXPECT_TRUE(ReadFile(root.filePath("usr/share/applications/" HOSTWARDEN_APP_ID ".desktop"))
                     .contains("\nStartupWMClass=" + wmClass.toUtf8() + "\n"))
         << wmClass;

@@ -43,12 +43,10 @@ TEST_F(Wayland, WithoutXTypingIsExplainedOnce) {
         EXPECT_FALSE(windows.contains(kServerErrorTitle));
         return windows.count(kNoDisplayTitle);
     };
-    ASSERT_TRUE(press(kMainTitle, "Launch"));
-    ASSERT_TRUE(WaitUntil([&] { return notices() == 1; }, 30s));
+    ASSERT_TRUE(press(kMainTitle, "Launch") && WaitUntil([&] { return notices() == 1; }, 30s));
     EXPECT_TRUE(QFile::exists(GameFile("dedicated_server.txt")));
     EXPECT_EQ(GameLines("commandline.txt").value(1), "-dedicated");
-    ASSERT_TRUE(press(kNoDisplayTitle, "OK"));
-    ASSERT_TRUE(WaitUntil([&] { return notices() == 0; }, 10s));
+    ASSERT_TRUE(press(kNoDisplayTitle, "OK") && WaitUntil([&] { return notices() == 0; }, 10s));
     ASSERT_TRUE(press(kMainTitle, "Launch"));
     EXPECT_FALSE(WaitUntil([&] { return notices() > 0; }, 10s));
     EXPECT_TRUE(hostwarden_.IsRunning());

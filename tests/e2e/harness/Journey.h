@@ -51,7 +51,6 @@ bool WaitUntil(Done done, std::chrono::milliseconds timeout,
     return true;
 }
 
-// Where tests leave screenshots and logs.
 inline QString ArtifactPath(const QString& fileName) {
     QDir().mkpath(E2E_ARTIFACTS);
     return E2E_ARTIFACTS "/" + fileName;
@@ -146,6 +145,14 @@ public:
     const QString& Display() const { return display_; }
     QStringList Environment() const { return QStringList{"DISPLAY=" + display_} + platform_; }
     void UseInThisProcess() const { setenv("DISPLAY", display_.toLocal8Bit().constData(), 1); }
+    // An xterm running `command` in `workDir`, and its window (0 when none came).
+    std::pair<Process, WindowId> Xterm(const QString& title, const QString& command = "sleep 600",
+                                       const QString& workDir = {}) const {
+        Process xterm("xterm", {"-T", title, "-e", "sh", "-c", command}, Environment(), workDir);
+        const WindowId id = WaitFor(title).value_or(0);
+        EXPECT_NE(id, 0u) << title;
+        return {std::move(xterm), id};
+    }
     // Ends the X server, as its clients see a lost connection.
     void StopServer() {
         windowManager_.Stop();
@@ -159,13 +166,17 @@ public:
     }
 
     // The window manager's client windows, top first, and their titles.
-    std::vector<WindowId> Windows() const {
-        std::vector<WindowId> ids;
+    QList<WindowId> Windows() const {
+        QList<WindowId> ids;
         const QString list = Run("xprop", {"-root", "_NET_CLIENT_LIST_STACKING"}).value_or("");
         static const QRegularExpression hexId("0x[0-9a-fA-F]+");
         for (const auto& m : hexId.globalMatch(list.section('#', 1)))
-            ids.insert(ids.begin(), m.captured().toULong(nullptr, 0));
+            ids.prepend(m.captured().toULong(nullptr, 0));
         return ids;
+    }
+    // xprop's account of the window's properties, all or those named.
+    QString Properties(WindowId window, const QStringList& names = {}) const {
+        return Run("xprop", QStringList{"-id", Id(window)} + names).value_or("");
     }
     QString Title(WindowId window) const {
         return Run("xdotool", {"getwindowname", Id(window)}).value_or("\n").chopped(1);
@@ -179,14 +190,13 @@ public:
     std::optional<WindowId> WaitFor(const QString& title,
                                     std::chrono::milliseconds timeout = 20s) const {
         std::optional<WindowId> found;
-        WaitUntil(
-            [&] {
-                for (WindowId id : Windows())
-                    if (Title(id) == title)
-                        return (found = id).has_value();
-                return false;
-            },
-            timeout, 50ms);
+        const auto shown = [&] {
+            for (WindowId id : Windows())
+                if (Title(id) == title)
+                    return (found = id).has_value();
+            return false;
+        };
+        WaitUntil(shown, timeout, 50ms);
         return found;
     }
     std::optional<WindowId> Find(const QString& title) const { return WaitFor(title, 0ms); }
@@ -203,6 +213,7 @@ public:
                     QString::number(position.y()), "click", "1"});
     }
     bool Key(const QString& keys) const { return Run("xdotool", {"key", "--", keys}).has_value(); }
+    bool Type(const QString& text) const { return Run("xdotool", {"type", text}).has_value(); }
     // Asks the window manager to activate the window and waits until it is active.
     bool Activate(WindowId window) const {
         return Run("xdotool", {"windowactivate", "--sync", Id(window)}).has_value();
@@ -326,6 +337,11 @@ protected:
     // Activates the box and presses `keys` on it, as an operator answers it.
     bool Answer(WindowId box, const QString& keys) const {
         return desktop_.Activate(box) && desktop_.Key(keys);
+    }
+    bool Answer(const QString& title, const QString& keys) const {
+        const auto box = desktop_.WaitFor(title);
+        EXPECT_TRUE(box) << title << " missing; windows: " << Windows();
+        return box && Answer(*box, keys);
     }
     std::string Windows() const { return desktop_.Titles().join(", ").toStdString(); }
     QString Clipboard() const {
