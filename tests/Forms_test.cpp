@@ -179,14 +179,16 @@ TEST(Forms, WhatTheOperatorSeesInEveryWindow) {
         for (auto* button : window->findChildren<QPushButton*>())
             EXPECT_FALSE(button->isDefault() || button->autoDefault())
                 << button->objectName().toStdString();
-        if (f.window)
+        if (f.window) {
             EXPECT_EQ(Describe(window).toStdString(), f.expected.toStdString());
+        }
         const QRect area =
             f.position == 'o' ? opener->frameGeometry() : window->screen()->availableGeometry();
-        if (f.position == 'd')
+        if (f.position == 'd') {
             EXPECT_FALSE(window->testAttribute(Qt::WA_Moved));
-        else if (f.position)
+        } else if (f.position) {
             EXPECT_LE((window->frameGeometry().center() - area.center()).manhattanLength(), 2);
+        }
         EXPECT_EQ(window != opener, !opener->isEnabled()) << "the owner waits";
         ASSERT_NE(QApplication::focusWidget(), nullptr);
         EXPECT_EQ(QApplication::focusWidget()->objectName(), f.focusOrder.front());

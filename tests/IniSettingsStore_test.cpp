@@ -137,8 +137,9 @@ TEST_F(StoreTest, EveryTextReadsBackExactly) {
         store.SaveSetting(App, row.section, row.key, row.value);
         EXPECT_EQ(store.GetSetting(App, row.section, row.key), row.value);
         EXPECT_EQ(IniSettingsStore(folder).GetSetting(App, row.section, row.key), row.value);
-        if (!row.file.isNull())
+        if (!row.file.isNull()) {
             EXPECT_EQ(text(), row.file);
+        }
     }
 }
 
