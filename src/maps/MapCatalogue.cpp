@@ -3,34 +3,11 @@
 #include "maps/VppArchive.h"
 #include "platform/FolderList.h"
 
-#include <QFile>
-
-#include <dirent.h>
-
 #include <algorithm>
 #include <cstring>
 #include <iterator>
-#include <strings.h>
-#include <vector>
 
 namespace {
-
-// An open folder listing, closed when it goes.
-class Listing {
-public:
-    explicit Listing(const QString& folder)
-        : dir_(::opendir(QFile::encodeName(folder.isEmpty() ? QStringLiteral(".") : folder))) {}
-    ~Listing() {
-        if (dir_)
-            ::closedir(dir_);
-    }
-    Listing(const Listing&) = delete;
-    Listing& operator=(const Listing&) = delete;
-    const dirent* Next() { return dir_ ? ::readdir(dir_) : nullptr; }
-
-private:
-    DIR* dir_;
-};
 
 // The name lower-cased; plain ASCII, as level names nearly always are, in one pass.
 QString LowerName(QByteArrayView name) {
@@ -85,24 +62,18 @@ QString FolderPath(const QString& folder) {
 QString FindFolder(const QString& base, const QString& relative) {
     QString found = FolderPath(base);
     for (const QString& part : relative.split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
-        const QString parent = found;
-        const QString prefix = parent.endsWith(QLatin1Char('/')) ? parent : parent + '/';
-        found.clear();
-        const QByteArray wanted = QFile::encodeName(part);
-        QStringList matches;
-        Listing listing(parent);
-        while (const dirent* entry = listing.Next())
-            if (entry->d_type == DT_DIR || entry->d_type == DT_LNK || entry->d_type == DT_UNKNOWN)
-                if (::strcasecmp(entry->d_name, wanted.constData()) == 0)
-                    matches << QFile::decodeName(entry->d_name);
         // The name as written wins over other spellings; among those, the first by name.
-        std::sort(matches.begin(), matches.end(), NameOrder);
-        if (matches.contains(part))
-            found = prefix + part;
-        else if (!matches.isEmpty())
-            found = prefix + matches.first();
-        if (found.isEmpty())
+        QString match;
+        for (const QString& name : ListFolders(found.isEmpty() ? QStringLiteral(".") : found))
+            if (name == part) {
+                match = name;
+                break;
+            } else if (match.isEmpty() && name.compare(part, Qt::CaseInsensitive) == 0) {
+                match = name;
+            }
+        if (match.isEmpty())
             return {};
+        found = (found.endsWith(QLatin1Char('/')) ? found : found + '/') + match;
     }
     return found;
 }
