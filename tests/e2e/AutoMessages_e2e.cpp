@@ -42,10 +42,9 @@ TEST_F(Journey, SlowTheFirstLineComesThreeRealMinutesAfterLaunch) {
 // notice.
 class Recovery : public Journey, public testing::WithParamInterface<bool> {};
 
-// The first batch comes in box order, at the text rate. Then the server
-// dies. With "Server Recover" the program starts it again within 2 s; without, it tells the
-// operator within 2 s, once, and the operator's own launch starts it. The messages then go on
-// to the new server.
+// The first batch comes in box order, at the text rate. Then the server dies. With "Server
+// Recover" the program starts it again within 2 s; without, it tells the operator within 2 s,
+// once, and the operator's own launch starts it. The messages then go on to the new server.
 TEST_P(Recovery, AServerThatDiedIsStartedAgainAndTheMessagesGoOn) {
     const bool recover = GetParam();
     ASSERT_NO_FATAL_FAILURE(
