@@ -56,50 +56,6 @@ protected:
     QString text() const { return QString::fromUtf8(ReadBytes(file)); }
 };
 
-TEST_F(StoreTest, NamesIgnoreCaseAndKeepTheirFirstSpellingAndPlace) {
-    IniSettingsStore store(folder);
-    EXPECT_EQ(store.GetSetting(App, "Startup", "HasRunSetup"), "");
-    EXPECT_FALSE(QFile::exists(file)) << "reading must not create the file";
-
-    store.SaveSetting(App, "Startup", "HasRunSetup", "1");
-    store.SaveSetting(App, "Default", "gametype", "CTF");
-    store.SaveSetting(App, "Startup", "Port", "0");
-    store.SaveSetting(App, "default", "MapCount", "1");
-    store.SaveSetting(App, "DEFAULT", "mapcount", "2");
-    store.SaveSetting(App, "Été", "Clé", "first");
-    store.SaveSetting(App, "ÉTÉ", "CLÉ", "second");
-    store.SaveSetting("Other", "Startup", "Port", "1");
-    EXPECT_EQ(text(), "[Startup]\nHasRunSetup=1\nPort=0\n\n[Default]\ngametype=CTF\nMapCount=2\n"
-                      "\n[Été]\nClé=second\n");
-    EXPECT_EQ(Mode(file), 0600u);
-    EXPECT_EQ(Mode(folder), 0700u);
-    IniSettingsStore reread(folder);
-    EXPECT_EQ(reread.GetSetting(App, "startup", "hasrunsetup"), "1");
-    EXPECT_EQ(reread.GetSetting(App, "été", "clé"), "second");
-    EXPECT_EQ(reread.GetSetting("Other", "Startup", "Port"), "1");
-    EXPECT_EQ(store.GetSetting(App, "Startup", "TextRate"), "");
-    EXPECT_EQ(store.GetSetting(App, "NoSuchConf", "gametype"), "");
-
-    store.DeleteSetting(App, "STARTUP", "port");
-    store.DeleteSection(App, "DEFAULT");
-    store.DeleteSetting(App, "été", "CLÉ"); // its section goes with its last key
-    store.DeleteAll("Other");
-    EXPECT_EQ(store.GetSetting(App, "Startup", "Port"), "");
-    EXPECT_EQ(store.GetSetting(App, "Default", "gametype"), "");
-    EXPECT_EQ(text(), "[Startup]\nHasRunSetup=1\n");
-    EXPECT_EQ(FolderEntries(folder), QStringList{"Hostwarden 2.0.ini"});
-
-    // The file is read once; the next write replaces a hand edit, and its mode.
-    WriteBytes(file, "[Startup]\nPort=0\n", 0644);
-    EXPECT_EQ(store.GetSetting(App, "Startup", "Port"), "");
-    store.SaveSetting(App, "Startup", "MsgRate", "3");
-    EXPECT_EQ(text(), "[Startup]\nHasRunSetup=1\nMsgRate=3\n");
-    EXPECT_EQ(Mode(file), 0600u);
-    store.DeleteAll(App);
-    EXPECT_FALSE(QFile::exists(file));
-    EXPECT_EQ(store.GetSetting(App, "Startup", "HasRunSetup"), "");
-}
-
 // Values are the operator's own text, configuration names become section names, keys are
 // the program's own: none of them may break the file. The whole file is given where its
 // form matters.
@@ -144,10 +100,12 @@ TEST_F(StoreTest, EveryTextReadsBackExactly) {
 }
 
 TEST_F(StoreTest, HandWrittenFileReadsAsItStands) {
-    WriteBytes(file, "\xEF\xBB\xBF; kept by hand\r\n\r\n  [Startup]  \r\n# Windows install\r\n"
-                     "RFLocation = C:\\Games\\RF\\ \r\n\tPortNum\t=\t7755\r\nHasRunSetup=\r\n"
-                     "[Default]\nText0 = \" padded \\\"msg\\\" \\x41\"  \nservname=first\n"
-                     "SERVNAME=second\n[startup]\nTextRate=90\n");
+    WriteBytes(file,
+               "\xEF\xBB\xBF; kept by hand\r\n\r\n  [Startup]  \r\n# Windows install\r\n"
+               "RFLocation = C:\\Games\\RF\\ \r\n\tPortNum\t=\t7755\r\nHasRunSetup=\r\n"
+               "[Default]\nText0 = \" padded \\\"msg\\\" \\x41\"  \nservname=first\n"
+               "SERVNAME=second\n[startup]\nTextRate=90\n",
+               0644);
     IniSettingsStore store(folder);
     ASSERT_FALSE(store.loadError(App).has_value())
         << SettingsLoadErrorMessage(*store.loadError(App)).toStdString();
@@ -159,6 +117,12 @@ TEST_F(StoreTest, HandWrittenFileReadsAsItStands) {
               "[Startup]\nRFLocation=\"C:\\\\Games\\\\RF\\\\\"\nPortNum=7755\nHasRunSetup=\n"
               "TextRate=90\nMsgRate=5\n\n[Default]\nText0=\" padded \\\"msg\\\" A\"\n"
               "servname=second\n");
+    EXPECT_EQ(Mode(file), 0600u);
+    // Names match in any case, and a section goes with its last key.
+    store.DeleteSetting(App, "DEFAULT", "TEXT0");
+    store.DeleteSetting(App, "default", "ServName");
+    store.DeleteSection(App, "STARTUP");
+    EXPECT_FALSE(QFile::exists(file));
 }
 
 // $XDG_CONFIG_HOME/Hostwarden, or ~/.config/Hostwarden when that is unset, empty or relative.
@@ -176,6 +140,7 @@ TEST(StoreLocation, FileLivesInTheUsersConfigFolder) {
         EXPECT_EQ(store.filePath(App), expected);
         store.SaveSetting(App, "Startup", "HasRunSetup", "1");
         EXPECT_EQ(ReadBytes(expected), "[Startup]\nHasRunSetup=1\n");
+        EXPECT_EQ(Mode(QFileInfo(expected).path()), 0700u);
     }
     qputenv("HOME", home);
     xdgSet ? qputenv("XDG_CONFIG_HOME", xdg) : qunsetenv("XDG_CONFIG_HOME");
