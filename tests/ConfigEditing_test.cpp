@@ -39,14 +39,12 @@ MainWindow& WithClan(MainWindow& m, const QString& changes = {}) {
 TEST(ConfigFields, EveryChoiceAndKeystrokeShowsAtOnceTypingInAListPicksNothing) {
     MainWindow m;
     auto& ui = m.Start().ui();
-    // A hand edit of the options box counts as a change and lasts until a rebuild.
+    // A hand edit of the options box counts as a change.
     m.app.Saved = "yes";
     ui.TXTSTat->appendPlainText("$Extra: 1");
     EXPECT_EQ(m.app.Saved, "no");
-    EXPECT_TRUE(m.Text().contains("$Extra: 1"));
     const auto shows = [&](const QString& line) {
         EXPECT_TRUE(m.Text().contains(line + "\r\n")) << line.toStdString();
-        EXPECT_FALSE(m.Text().contains("$Extra: 1"));
         EXPECT_EQ(m.app.Saved, "no") << line.toStdString();
         m.app.Saved = "yes";
     };
