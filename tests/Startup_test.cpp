@@ -126,7 +126,6 @@ TEST(Startup, LoadsDefaultRestoresThePreferencesAlongTheirChainAndStoresTheirCha
         QString checked; // boxes that end up checked
         QString portText;
     } rows[] = {
-        {"", 110, 3, "", ""},
         {"LanOnly=1", 110, 3, "", ""}, // the chain stops at ServRec
         {"ServRec=1;lanonly=1;Port=1;PortNum=12a34", 110, 3, "ServRec LanOnly Port", "1234"},
         {"ServRec=0;LanOnly=1;PortNum=7755", 110, 3, "LanOnly", ""}, // PortNum needs Port
