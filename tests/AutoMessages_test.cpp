@@ -131,31 +131,6 @@ TEST_F(AutoMessagesTest, CountdownQueuesNonEmptyBoxesInOrderEveryIntervalWhileCh
     EXPECT_EQ(captions.last(), "Next Auto Message due in 79 seconds.");
 }
 
-// One character per tick; the next line leaves the queue only once the typist is idle, and
-// without a launched server the line is used up silently.
-TEST_F(AutoMessagesTest, TypesOneCharacterPerTickAndTakesTheNextLineOnlyWhenIdle) {
-    for (const bool launched : {true, false}) {
-        SCOPED_TRACE(launched);
-        Rig t;
-        if (!launched)
-            t.am.ForgetServer();
-        t.am.QueueMessage("hi");
-        t.am.QueueMessage("b");
-        t.am.Timer1_Timer();
-        t.Typist(6);
-        t.am.Timer1_Timer();
-        EXPECT_EQ(t.am.PendingLine(), "say hi~") << "no new line while one is typed";
-        t.Typist(1);
-        EXPECT_FALSE(t.IdleTypist());
-        t.Typist(1);
-        EXPECT_TRUE(t.IdleTypist());
-        t.TypeLine();
-        EXPECT_EQ(t.Typed(), launched ? "say hi~say b~" : "");
-        EXPECT_EQ(t.pushed.size(), launched ? 13 : 0);
-        EXPECT_TRUE(t.boxes.shown.isEmpty());
-    }
-}
-
 TEST_F(AutoMessagesTest, RandomPicksOneNonEmptyBoxFromTheGenerator) {
     const std::tuple<QStringList, QList<double>, QStringList> rows[] = {
         {{"a", "b", "c", "d"}, {0.0, 0.24, 0.25, 0.5, 0.9999}, {"a", "a", "b", "c", "d"}},
@@ -225,6 +200,7 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsWithout
         t.am.QueueMessage("next");
         t.am.Timer1_Timer();
         t.Typist(2);
+        t.am.Timer1_Timer();                            // no new line while one is typed
         for (const bool stolen : {true, false, true}) { // one key between two long waits
             t.windows.focusStolen = stolen;
             t.windows.focus = 0;
@@ -305,6 +281,9 @@ TEST_F(AutoMessagesTest, TheServersEndRecoversAtOnceAndAFailedStartIsToldWithIts
                     t.boxes.shown[0].text.endsWith(
                         "Program: /rf/RF.EXE\r\nExit status: 3\r\nThe "
                         "last lines of its error output:\r\nwine: go\r\nno way"));
+        t.am.QueueMessage("after");
+        t.TypeLine();
+        EXPECT_TRUE(t.pushed.isEmpty()) << "no server: the line is used up, nothing typed";
     }
 }
 
