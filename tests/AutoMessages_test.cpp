@@ -147,46 +147,6 @@ TEST_F(AutoMessagesTest, RandomPicksOneNonEmptyBoxFromTheGenerator) {
     }
 }
 
-TEST_F(AutoMessagesTest, TypingFailureResetsEverythingThenRelaunchesOrTellsTheOperator) {
-    for (const bool recover : {false, true}) { // the console closes, or a key cannot be sent
-        SCOPED_TRACE(recover);
-        Rig t;
-        t.servRecChecked = recover;
-        int beepsAtLaunch = -1;
-        t.onLaunch = [&] {
-            beepsAtLaunch = t.beeper.beeps;
-            t.server = t.windows.Add(kServerTitle);
-            t.am.ServerLaunched(77);
-        };
-        t.QueueBatch({"first", "second"});
-        t.am.Timer1_Timer();
-        t.Countdown(5);
-        const int typedFirst = recover ? 0 : 3;
-        t.Typist(typedFirst);
-        t.failKeys = recover;
-        t.windows.Vanish(recover ? 0 : t.server);
-        t.TypeLine();
-        t.TypeLine();
-
-        EXPECT_EQ(t.pushed.size(), typedFirst);
-        EXPECT_EQ(t.boxes.shown, recover ? QList<MessageRequest>{} : QList{kServerError});
-        // launches, beeps before the launch and in all, countdown, server handle
-        EXPECT_EQ(std::tuple(t.launches, beepsAtLaunch, t.beeper.beeps, t.am.TMRAddsEnabled(),
-                             t.addsTimer, t.am.ServerHandle()),
-                  recover ? std::tuple(1, 0, 1, true, true, 77u)
-                          : std::tuple(0, -1, 0, false, false, 0u));
-        EXPECT_TRUE(t.am.Queue().isEmpty() && t.IdleTypist());
-
-        t.failKeys = false;
-        t.Countdown(174);
-        EXPECT_TRUE(t.am.Queue().isEmpty()) << "the countdown keeps its 5 seconds";
-        t.Countdown(1);
-        t.TypeLine();
-        t.TypeLine();
-        EXPECT_EQ(t.Typed().mid(typedFirst), recover ? "say first~say second~" : "");
-    }
-}
-
 // Decision: a console that exists but does not take the focus is not a lost server. After 10
 // seconds by the clock (ticks may be slow) without progress the line is dropped and told.
 TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsWithoutProgress) {
@@ -302,6 +262,12 @@ TEST_F(AutoMessagesTest, RelaunchesStopAfterThreeInTenMinutesUntilTheOperatorLau
     EXPECT_EQ(lose(1, 0), std::pair(6, 2)) << "the first of the three is within ten minutes";
     am.ForgetServer(), onLaunch();
     EXPECT_EQ(lose(6, 4 * 60 * 1000), std::pair(12, 2));
+    // A key that cannot be sent loses the server too; every relaunch beeps.
+    am.ForgetServer(), onLaunch();
+    failKeys = true;
+    am.QueueMessage("x");
+    TypeLine();
+    EXPECT_EQ(std::pair(launches, beeper.beeps), std::pair(13, 13));
 }
 
 } // namespace
