@@ -1,6 +1,7 @@
 #include "automation/AutoMessageHost.h"
 #include "automation/AutoMessages.h"
 #include "automation/KeySender.h"
+#include "automation/Module2.h"
 #include "server/AppState.h"
 
 #include "FakeWindowServices.h"
@@ -110,10 +111,8 @@ TEST_F(AutoMessagesTest, CountdownQueuesNonEmptyBoxesInOrderEveryIntervalWhileCh
     EXPECT_TRUE(addsTimer);
     Countdown(179);
     EXPECT_TRUE(am.Queue().isEmpty());
-    EXPECT_EQ(captions.first(), "Next Auto Message due in 179 seconds.");
     Countdown(181);
     EXPECT_EQ(captions[179], "Next Auto Message due in 0 seconds.");
-    EXPECT_EQ(captions[180], "Next Auto Message due in 179 seconds.");
     EXPECT_EQ(am.Queue(), QStringList({"a~b", "third", "a~b", "third"}));
 
     // Unchecking "Auto Message" stops the countdown where it stands; the queue is still typed.
@@ -125,35 +124,9 @@ TEST_F(AutoMessagesTest, CountdownQueuesNonEmptyBoxesInOrderEveryIntervalWhileCh
         TypeLine();
     EXPECT_EQ(Typed(), "say a~b~say third~say a~b~say third~");
     am.CHKMessage_Click(true);
-    EXPECT_TRUE(servRecEnabled);
-    EXPECT_FALSE(servRecChecked) << "re-enabling does not check the box again";
+    EXPECT_TRUE(servRecEnabled && !servRecChecked) << "re-enabling does not check the box again";
     Countdown(1);
     EXPECT_EQ(captions.last(), "Next Auto Message due in 79 seconds.");
-}
-
-// One character per tick; the next line leaves the queue only once the typist is idle, and
-// without a launched server the line is used up silently.
-TEST_F(AutoMessagesTest, TypesOneCharacterPerTickAndTakesTheNextLineOnlyWhenIdle) {
-    for (const bool launched : {true, false}) {
-        SCOPED_TRACE(launched);
-        Rig t;
-        if (!launched)
-            t.am.ForgetServer();
-        t.am.QueueMessage("hi");
-        t.am.QueueMessage("b");
-        t.am.Timer1_Timer();
-        t.Typist(6);
-        t.am.Timer1_Timer();
-        EXPECT_EQ(t.am.PendingLine(), "say hi~") << "no new line while one is typed";
-        t.Typist(1);
-        EXPECT_FALSE(t.IdleTypist());
-        t.Typist(1);
-        EXPECT_TRUE(t.IdleTypist());
-        t.TypeLine();
-        EXPECT_EQ(t.Typed(), launched ? "say hi~say b~" : "");
-        EXPECT_EQ(t.pushed.size(), launched ? 13 : 0);
-        EXPECT_TRUE(t.boxes.shown.isEmpty());
-    }
 }
 
 TEST_F(AutoMessagesTest, RandomPicksOneNonEmptyBoxFromTheGenerator) {
@@ -172,46 +145,6 @@ TEST_F(AutoMessagesTest, RandomPicksOneNonEmptyBoxFromTheGenerator) {
     }
 }
 
-TEST_F(AutoMessagesTest, TypingFailureResetsEverythingThenRelaunchesOrTellsTheOperator) {
-    for (const bool recover : {false, true}) { // the console closes, or a key cannot be sent
-        SCOPED_TRACE(recover);
-        Rig t;
-        t.servRecChecked = recover;
-        int beepsAtLaunch = -1;
-        t.onLaunch = [&] {
-            beepsAtLaunch = t.beeper.beeps;
-            t.server = t.windows.Add(kServerTitle);
-            t.am.ServerLaunched(77);
-        };
-        t.QueueBatch({"first", "second"});
-        t.am.Timer1_Timer();
-        t.Countdown(5);
-        const int typedFirst = recover ? 0 : 3;
-        t.Typist(typedFirst);
-        t.failKeys = recover;
-        t.windows.Vanish(recover ? 0 : t.server);
-        t.TypeLine();
-        t.TypeLine();
-
-        EXPECT_EQ(t.pushed.size(), typedFirst);
-        EXPECT_EQ(t.boxes.shown, recover ? QList<MessageRequest>{} : QList{kServerError});
-        // launches, beeps before the launch and in all, countdown, server handle
-        EXPECT_EQ(std::tuple(t.launches, beepsAtLaunch, t.beeper.beeps, t.am.TMRAddsEnabled(),
-                             t.addsTimer, t.am.ServerHandle()),
-                  recover ? std::tuple(1, 0, 1, true, true, 77u)
-                          : std::tuple(0, -1, 0, false, false, 0u));
-        EXPECT_TRUE(t.am.Queue().isEmpty() && t.IdleTypist());
-
-        t.failKeys = false;
-        t.Countdown(174);
-        EXPECT_TRUE(t.am.Queue().isEmpty()) << "the countdown keeps its 5 seconds";
-        t.Countdown(1);
-        t.TypeLine();
-        t.TypeLine();
-        EXPECT_EQ(t.Typed().mid(typedFirst), recover ? "say first~say second~" : "");
-    }
-}
-
 // Decision: a console that exists but does not take the focus is not a lost server. After 10
 // seconds by the clock (ticks may be slow) without progress the line is dropped and told.
 TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsWithoutProgress) {
@@ -225,6 +158,7 @@ TEST_F(AutoMessagesTest, StolenFocusHoldsTheLineAndDropsItAfterTenSecondsWithout
         t.am.QueueMessage("next");
         t.am.Timer1_Timer();
         t.Typist(2);
+        t.am.Timer1_Timer();                            // no new line while one is typed
         for (const bool stolen : {true, false, true}) { // one key between two long waits
             t.windows.focusStolen = stolen;
             t.windows.focus = 0;
@@ -305,6 +239,9 @@ TEST_F(AutoMessagesTest, TheServersEndRecoversAtOnceAndAFailedStartIsToldWithIts
                     t.boxes.shown[0].text.endsWith(
                         "Program: /rf/RF.EXE\r\nExit status: 3\r\nThe "
                         "last lines of its error output:\r\nwine: go\r\nno way"));
+        t.am.QueueMessage("after");
+        t.TypeLine();
+        EXPECT_TRUE(t.pushed.isEmpty()) << "no server: the line is used up, nothing typed";
     }
 }
 
@@ -323,6 +260,50 @@ TEST_F(AutoMessagesTest, RelaunchesStopAfterThreeInTenMinutesUntilTheOperatorLau
     EXPECT_EQ(lose(1, 0), std::pair(6, 2)) << "the first of the three is within ten minutes";
     am.ForgetServer(), onLaunch();
     EXPECT_EQ(lose(6, 4 * 60 * 1000), std::pair(12, 2));
+    // A key that cannot be sent loses the server too; every relaunch beeps.
+    am.ForgetServer(), onLaunch();
+    failKeys = true;
+    am.QueueMessage("x");
+    TypeLine();
+    EXPECT_EQ(std::pair(launches, beeper.beeps), std::pair(13, 13));
+}
+
+// The main window's events run after each window the walk steps past, never after asking; a
+// window destroyed meanwhile is stepped over. Which windows are asked on a real desktop (our
+// own, disabled ones, the stacking order, any case) is the close-window journey's.
+TEST(CloseWindowByTitle, LetsEventsRunBetweenWindowsAndStepsOverDestroyedOnes) {
+    FakeWindowServices fake;
+    fake.Add("xterm");
+    fake.mainWindow = fake.Add("Hostwarden");
+    const WindowHandle destroyed = fake.Add(kServerTitle);
+    const WindowHandle owned = fake.Add(kServerTitle + " (2)", 7); // by another program's window
+    int events = 0;
+    fake.onPendingEvents = [&] {
+        EXPECT_TRUE(fake.posts.isEmpty()) << "events ran after the request";
+        if (++events == 2)
+            fake.Vanish(destroyed);
+    };
+    CloseWindowByTitle(fake, kServerTitle);
+    EXPECT_EQ(fake.posts,
+              (QList<FakeWindowServices::Post>{{owned, WM_CANCELMODE}, {owned, WM_CLOSE}}));
+    EXPECT_EQ(events, 3);
+}
+
+// The launched server's console is marked '*'.
+TEST(FindServerWindow, PrefersTheLaunchedServerThenTheWholeTitleNeverAMention) {
+    const std::pair<const char*, int> rows[] = {
+        {"notes about red faction dedicated server.txt - editor|RFDS", 1},
+        {"RFDS - log|red faction DEDICATED server", 1},
+        {"RFDS - log|Other", 0},
+        {"RFDS|RFDS - console*", 1}};
+    for (const auto& [desktop, found] : rows) {
+        FakeWindowServices fake;
+        for (const QString& w : QString(desktop).replace("RFDS", kServerTitle).split('|')) {
+            fake.Add(QString(w).remove('*'));
+            fake.windows.last().process = w.endsWith('*') ? 300 : 0;
+        }
+        EXPECT_EQ(FindServerWindow(fake, 300), fake.windows[found].handle) << desktop;
+    }
 }
 
 } // namespace
