@@ -140,7 +140,6 @@ TEST_F(PosixProcessLauncherTest, StartsTheProgramInASessionOfItsOwnWithItsArgume
         EXPECT_NE(it.next().section('/', -1), "injected");
 
     EXPECT_EQ(FindPathNoCase(root + "\\redfaction\\data\\RF.exe"), At("@/RedFaction/Data/rf.exe"));
-    EXPECT_EQ(FindEntryNoCase(root + "/RedFaction/", "DATA"), root + "/RedFaction/Data");
     EXPECT_FALSE(FindPathNoCase(root + "/RedFaction/Maps/rf.exe"));
 }
 

@@ -68,11 +68,3 @@ std::optional<QString> FindPathNoCase(const QString& path) {
     }
     return FromPath(found);
 }
-
-std::optional<QString> FindEntryNoCase(const QString& folder, const QString& name) {
-    QString joined = folder;
-    if (!joined.isEmpty() && !joined.endsWith(QLatin1Char('/')) &&
-        !joined.endsWith(QLatin1Char('\\')))
-        joined += QLatin1Char('/');
-    return FindPathNoCase(joined + name);
-}

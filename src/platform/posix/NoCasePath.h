@@ -13,5 +13,3 @@
 // when some component has no match. Both "/" and "\" separate components.
 std::optional<QString> FindPathNoCase(const QString& path);
 
-// The entry of `folder` named `name` without regard to case, as a full path.
-std::optional<QString> FindEntryNoCase(const QString& folder, const QString& name);
