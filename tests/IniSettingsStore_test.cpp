@@ -103,24 +103,26 @@ TEST_F(StoreTest, HandWrittenFileReadsAsItStands) {
                "\xEF\xBB\xBF; kept by hand\r\n\r\n  [Startup]  \r\n# Windows install\r\n"
                "RFLocation = C:\\Games\\RF\\ \r\n\tPortNum\t=\t7755\r\nHasRunSetup=\r\n"
                "[Default]\nText0 = \" padded \\\"msg\\\" \\x41\"  \nservname=first\n"
-               "SERVNAME=second\n[startup]\nTextRate=90\n",
+               "SERVNAME=second\n[startup]\nTextRate=90\n[Été]\nClé=x\n",
                0644);
     IniSettingsStore store(folder);
     ASSERT_FALSE(store.loadError(App).has_value())
         << SettingsLoadErrorMessage(*store.loadError(App)).toStdString();
     EXPECT_EQ(store.GetSetting(App, "startup", "rflocation"), "C:\\Games\\RF\\");
+    EXPECT_EQ(store.GetSetting(App, "ÉTÉ", "CLÉ"), "x");
 
     // The first write puts the file into the store's own form and shows everything it read.
     store.SaveSetting(App, "Startup", "MsgRate", "5");
     EXPECT_EQ(text(),
               "[Startup]\nRFLocation=\"C:\\\\Games\\\\RF\\\\\"\nPortNum=7755\nHasRunSetup=\n"
               "TextRate=90\nMsgRate=5\n\n[Default]\nText0=\" padded \\\"msg\\\" A\"\n"
-              "servname=second\n");
+              "servname=second\n\n[Été]\nClé=x\n");
     EXPECT_EQ(Mode(file), 0600u);
     // Names match in any case, and a section goes with its last key.
     store.DeleteSetting(App, "DEFAULT", "TEXT0");
     store.DeleteSetting(App, "default", "ServName");
     store.DeleteSection(App, "STARTUP");
+    store.DeleteSetting(App, "été", "clÉ");
     EXPECT_FALSE(QFile::exists(file));
 }
 
@@ -137,6 +139,10 @@ TEST(StoreLocation, FileLivesInTheUsersConfigFolder) {
                                  "/Hostwarden/Hostwarden 2.0.ini";
         IniSettingsStore store;
         EXPECT_EQ(store.filePath(App), expected);
+        if (value.isNull()) { // a fresh home
+            EXPECT_EQ(store.GetSetting(App, "Startup", "HasRunSetup"), "");
+            EXPECT_FALSE(QFile::exists(expected)) << "reading creates no file";
+        }
         store.SaveSetting(App, "Startup", "HasRunSetup", "1");
         EXPECT_EQ(ReadBytes(expected), "[Startup]\nHasRunSetup=1\n");
         EXPECT_EQ(Mode(QFileInfo(expected).path()), 0700u);
