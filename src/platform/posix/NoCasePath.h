@@ -12,4 +12,3 @@
 // looked up from the process's current directory and stays relative. Returns nothing
 // when some component has no match. Both "/" and "\" separate components.
 std::optional<QString> FindPathNoCase(const QString& path);
-
